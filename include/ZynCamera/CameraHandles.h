@@ -1,0 +1,115 @@
+/// Cameras.
+#ifndef ZYNCAMERA_CAMERA_HANDLES_H
+#define ZYNCAMERA_CAMERA_HANDLES_H
+
+#include "Export.h"
+#include "Types.h"
+
+namespace GenApi_3_4 {
+struct INodeMap;
+}
+
+namespace ZYNSDK {
+
+class LogicCamera;
+class ZynCamera;
+class Zyn3DCamera;
+class ZynCameraAttribute;
+class ZynChunkData;
+class ZynImage;
+class ZynNode;
+class ZynNodeArray;
+
+/// The GenICam node map behind a camera, for what ZynNode does not serve; null while the camera is closed or
+/// has no such map. Owned by the camera, valid until it is closed. Design decision: neither null nor an empty
+/// handle may be passed; both are used unchecked.
+ZYNSDK_API GenApi_3_4::INodeMap* Get2DCameraNodeMap(ZynCamera* camera, ZynXmlSource source);
+ZYNSDK_API GenApi_3_4::INodeMap* Get3DCameraNodeMap(Zyn3DCamera* camera, ZynXmlSource source);
+
+/// A 2D area camera. Filled by a discovery.
+///
+/// A reference: copies refer to the same camera, and none of them closes it when it ends. Stays valid until
+/// the SDK is unloaded, also while the camera is unplugged. May be used from any thread at any time; Close
+/// may run while another thread waits in GrabImage. On an empty handle every operation that returns a status
+/// answers 101001, every other false or null.
+class ZYNSDK_API ZynCamera {
+ public:
+  ZynCamera();  ///< refers to nothing
+  ZynCamera(const ZynCamera& other) = default;
+  ZynCamera& operator=(const ZynCamera& other) = default;
+  virtual ~ZynCamera();
+
+  /// A new handle to the camera's description. The caller owns the handle and deletes it.
+  ZynCameraAttribute* Attribute();
+
+  /// Opens the camera for reading and writing. `param`: null or "", or the path of a configuration file for a
+  /// Camera Link card; 101044 when that cannot be applied, and the camera is open nevertheless. 101007 the
+  /// transport does not know the camera; 101008 the camera refused; 101013 it is open already; 101040 an
+  /// exception. Blocks while the camera answers and its description is loaded.
+  long Open(const char* param);
+  /// Closes the camera; a stream that runs ends. 101010 when it was not open. Another thread inside a call on
+  /// the camera finishes that call first; this one does not wait for it.
+  long Close();
+  bool IsOpen();      ///< also false when the device was lost
+  bool IsGrabbing();  ///< the stream runs
+
+  /// Starts the stream. `count`: how many frames to deliver, 0 or -1 without limit. 101012 it runs already;
+  /// 101015 the camera is not open or the stream did not come up; 101040 an exception; else a transport
+  /// result.
+  long StartGrab(ZynGrabStrategy strategy, int count);
+  long StopGrab();  ///< 101011 when the camera is not open
+  /// The longest wait for one frame. 5000 at first. 101010 when the camera is not open, 101050 below 1.
+  long SetGrabTimeout(int milliseconds);
+  /// Waits for one frame and makes `image` refer to a copy of it. `chunk` may be null; otherwise it takes a
+  /// copy of the frame's first chunk, and stays unchanged when there is none. Blocks up to the time-out.
+  /// Returns 0; 101010 not open; 101011 not started; 101023 no frame in time, or stopped meanwhile; 101050
+  /// `image` null; 101081 no frame; 101084 frame incomplete or damaged; 101040 an exception; else a transport
+  /// result.
+  long GrabImage(ZynImage* image, ZynChunkData* chunk);
+
+  // Features by name, and all visible features, of each node map: transport layer, interface, local device,
+  // remote device (the camera's own), data stream. "ExposureTime", "TriggerDelay", "Gain" and
+  // "AcquisitionFrameRate" are also found under the older names that end in "Abs" or "Raw". Returns 0; 101050
+  // null argument; 101010 not open; 101091 no such feature; 101092 no such node map; 101093 a kind that
+  // ZynNode does not serve; 101040 an exception. Looking up "TriggerSoftware" lets exceptions of GenICam
+  // through.
+  long GetTLNode(const char* name, ZynNode* node);
+  long GetTLNodes(ZynNodeArray* nodes);
+  long GetIFNode(const char* name, ZynNode* node);
+  long GetIFNodes(ZynNodeArray* nodes);
+  long GetDevNode(const char* name, ZynNode* node);
+  long GetDevNodes(ZynNodeArray* nodes);
+  long GetRemoteNode(const char* name, ZynNode* node);
+  long GetRemoteNodes(ZynNodeArray* nodes);
+  long GetDSNode(const char* name, ZynNode* node);
+  long GetDSNodes(ZynNodeArray* nodes);
+
+ private:
+  friend GenApi_3_4::INodeMap* Get2DCameraNodeMap(ZynCamera* camera, ZynXmlSource source);
+  LogicCamera* camera_;
+};
+
+/// A 3D laser-profile camera. Filled by a discovery. What is said of ZynCamera holds here too.
+class ZYNSDK_API Zyn3DCamera {
+ public:
+  Zyn3DCamera();  ///< refers to nothing
+  Zyn3DCamera(const Zyn3DCamera& other) = default;
+  Zyn3DCamera& operator=(const Zyn3DCamera& other) = default;
+  virtual ~Zyn3DCamera();
+
+  ZynCameraAttribute* Attribute();                ///< as ZynCamera::Attribute
+  long Open();                                    ///< as ZynCamera::Open without a configuration file
+  long Close();                                   ///< as ZynCamera::Close
+  bool IsOpen();                                  ///< as ZynCamera::IsOpen
+  long SetGrabTimeout(int milliseconds);          ///< as ZynCamera::SetGrabTimeout
+  long GetNode(const char* name, ZynNode* node);  ///< as ZynCamera::GetRemoteNode
+  long GetNodes(ZynNodeArray* nodes);             ///< as ZynCamera::GetRemoteNodes
+
+ private:
+  friend GenApi_3_4::INodeMap* Get3DCameraNodeMap(Zyn3DCamera* camera, ZynXmlSource source);
+  LogicCamera* camera_;
+};
+
+}  // namespace ZYNSDK
+
+#endif
