@@ -1,0 +1,1 @@
+#include "HeaderView.c"  // NOLINT(bugprone-suspicious-include): the same text, as C++11
