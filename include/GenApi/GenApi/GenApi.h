@@ -1,0 +1,36 @@
+/// The node interface.
+#ifndef GENAPI_GENAPI_H
+#define GENAPI_GENAPI_H
+
+#include "Container.h"
+#include "IBase.h"
+#include "IBoolean.h"
+#include "ICategory.h"
+#include "IChunkPort.h"
+#include "ICommand.h"
+#include "IDestroy.h"
+#include "IDeviceInfo.h"
+#include "IEnumEntry.h"
+#include "IEnumeration.h"
+#include "IFloat.h"
+#include "IInteger.h"
+#include "INode.h"
+#include "INodeMap.h"
+#include "IPort.h"
+#include "IPortConstruct.h"
+#include "IPortRecorder.h"
+#include "IPortStacked.h"
+#include "IRegister.h"
+#include "ISelector.h"
+#include "IString.h"
+#include "IUserData.h"
+#include "IValue.h"
+#include "NodeCallback.h"
+#include "NodeMapFactory.h"
+#include "NodeMapRef.h"
+#include "Pointer.h"
+#include "PortImpl.h"
+#include "Reference.h"
+#include "Synch.h"
+
+#endif

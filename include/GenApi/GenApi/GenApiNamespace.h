@@ -1,0 +1,24 @@
+/// Names the versioned namespace of the node interface, and its short alias.
+#ifndef GENAPI_GENAPINAMESPACE_H
+#define GENAPI_GENAPINAMESPACE_H
+
+#include "../Base/GCNamespace.h"
+#include "GenApiVersion.h"
+
+#ifndef GENAPI_NAMESPACE_DEFINED
+#define GENAPI_NAMESPACE_DEFINED
+#ifdef GENICAM_COMPANY_SUFFIX
+#define GENAPI_NAMESPACE \
+  GENICAM_PASTE_SUFFIX(GenApi, GENAPI_VERSION_MAJOR, GENAPI_VERSION_MINOR, GENICAM_COMPANY_SUFFIX)
+#else
+#define GENAPI_NAMESPACE GENICAM_PASTE(GenApi, GENAPI_VERSION_MAJOR, GENAPI_VERSION_MINOR)
+#endif
+#endif
+
+namespace GENAPI_NAMESPACE {}
+
+#ifndef GENICAM_SUPPRESS_NAMESPACE_ALIAS
+namespace GenApi = GENAPI_NAMESPACE;
+#endif
+
+#endif

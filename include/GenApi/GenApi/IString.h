@@ -1,0 +1,22 @@
+/// Text features.
+#ifndef GENAPI_ISTRING_H
+#define GENAPI_ISTRING_H
+
+#include "IValue.h"
+
+namespace GENAPI_NAMESPACE {
+
+/// A text.
+GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IString : virtual public IValue {
+  virtual void SetValue(const GENICAM_NAMESPACE::gcstring& Value, bool Verify = true) = 0;
+  virtual IString& operator=(const GENICAM_NAMESPACE::gcstring& Value) = 0;
+  virtual GENICAM_NAMESPACE::gcstring GetValue(bool Verify = false, bool IgnoreCache = false) = 0;
+  virtual GENICAM_NAMESPACE::gcstring operator()() = 0;
+  virtual GENICAM_NAMESPACE::gcstring operator*() = 0;
+  /// Bytes that fit, without a terminator.
+  virtual int64_t GetMaxLength(bool Verify = false) = 0;
+};
+
+}  // namespace GENAPI_NAMESPACE
+
+#endif

@@ -1,0 +1,15 @@
+#include "GenApi/NodeCallback.h"
+
+namespace GENAPI_NAMESPACE {
+
+CNodeCallback::~CNodeCallback() = default;
+
+void Deregister(CallbackHandleType hCallback) {
+  if (hCallback == 0) return;
+  // The handle of a registration is the address of its callback.
+  auto* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
+  callback->GetNode()->DeregisterCallback(hCallback);
+  callback->Destroy();
+}
+
+}  // namespace GENAPI_NAMESPACE
