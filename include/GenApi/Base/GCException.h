@@ -106,6 +106,13 @@ class ExceptionReporter {
   int m_SourceLine;
 };
 
+/// Whether the value is the minimum plus a multiple of the (positive) increment, without overflow.
+inline bool IsOnIncrementGrid(long long Value, long long Min, long long Inc) {
+  return (static_cast<unsigned long long>(Value) - static_cast<unsigned long long>(Min)) %
+             static_cast<unsigned long long>(Inc) ==
+         0;
+}
+
 }  // namespace GENICAM_NAMESPACE
 
 #define GENICAM_REPORTER(type) \
@@ -136,8 +143,7 @@ class ExceptionReporter {
     if (checkedValue > checkedMax)                                                                         \
       throw OUT_OF_RANGE_EXCEPTION("Value = %lld must be equal or smaller than Max = %lld.", checkedValue, \
                                    checkedMax);                                                            \
-    if ((static_cast<unsigned long long>(checkedValue) - static_cast<unsigned long long>(checkedMin)) %    \
-        static_cast<unsigned long long>(checkedInc))                                                       \
+    if (!GENICAM_NAMESPACE::IsOnIncrementGrid(checkedValue, checkedMin, checkedInc))                       \
       throw OUT_OF_RANGE_EXCEPTION(                                                                        \
           "The difference between Value = %lld and Min = %lld must be dividable without rest by Inc = "    \
           "%lld.",                                                                                         \
