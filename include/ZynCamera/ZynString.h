@@ -23,6 +23,7 @@ class ZYNSDK_API ZynString {
 
   ZynString& operator=(const char* text);  ///< text: NUL-terminated, not null
   ZynString& operator=(const ZynString& other);
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): it copies, which may raise std::bad_alloc
   ZynString& operator=(ZynString&& other);  ///< copies: the source keeps its text
   ZynString& operator=(char character);     ///< the text becomes this one character
   void setStr(const char* text);            ///< as operator=(const char*)

@@ -1,0 +1,13 @@
+#ifndef ZYN_DATA_TRACE_LINE_H
+#define ZYN_DATA_TRACE_LINE_H
+
+#include <string>
+
+namespace ZYNSDK {
+
+/// Writes one line to standard output and flushes it, in one piece, so lines of several threads do not mix.
+void TraceLine(const std::string& line);
+
+}  // namespace ZYNSDK
+
+#endif
