@@ -1,0 +1,148 @@
+#ifndef ZYN_CAMERA_LOGIC_CAMERA_H
+#define ZYN_CAMERA_LOGIC_CAMERA_H
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ThreadAnnotations.h"
+#include "ZynCamera/Status.h"
+#include "ZynCamera/Types.h"
+
+namespace KELGENICAM {
+class ICameraInfo;
+class IImage;
+}  // namespace KELGENICAM
+
+namespace GenApi_3_4 {
+struct INodeMap;
+}
+
+namespace ZYNSDK {
+
+class CameraAttribute;
+class NodeManager;
+class PhysicCamera;
+class ZynCameraAttribute;
+class ZynChunkData;
+class ZynImage;
+class ZynNode;
+class ZynNodeArray;
+class ZynString;
+class ZynStringArray;
+
+/// One camera, as every handle on it sees it. Made by the first search that finds the camera, owned by the
+/// CameraManager, alive until the library is unloaded.
+///
+/// May be used from any thread at any time. Holds no state of the device but asks for it: open and grabbing
+/// are what the device says now. Operations that reach the transport or GenICam catch every exception and
+/// answer 101040 (bool: false, pointer: null); an operation whose name ends in Action is the same work
+/// without that guard. All other results of the device pass unchanged.
+class LogicCamera {
+ public:
+  /// The description belongs to the transport, which keeps it for as long as it is loaded.
+  explicit LogicCamera(KELGENICAM::ICameraInfo* info);
+  LogicCamera(const LogicCamera&) = delete;
+  LogicCamera& operator=(const LogicCamera&) = delete;
+  /// Does not close the device: the application does before the library is unloaded.
+  virtual ~LogicCamera();
+
+  /// Opens the device. A configuration file, unless null or empty, answers 101044: the device is open, but
+  /// the file's settings are not in force.
+  long Open(const char* configFile);
+  long Close();
+  long Open3D();
+  long Open3DAction();
+  long Close3D();  ///< as Close
+  bool IsOpen();
+  bool IsGrabbing();
+
+  // The description.
+
+  ZynCameraAttribute* Attribute();  ///< a new handle, owned by the caller, on a record owned by the camera
+  bool Is3DCamera();
+  /// Takes the description of a later search. The previous one takes over its content, so whoever still reads
+  /// that sees the present state too. Earlier records stay readable for the handles on them; a description
+  /// seen before gets its record back, so searching for a year does not grow memory. Not for two threads at
+  /// once.
+  void replaceAttribute(KELGENICAM::ICameraInfo* info);
+  /// Gives the GigE camera of that description an address. False on any failure.
+  bool SetGevIpAddress(KELGENICAM::ICameraInfo& info, const char* ip, const char* mask, const char* gateway,
+                       bool flag);
+
+  // The registry's marks. Written by the CameraManager only, under its lock; the first is read without it.
+
+  bool IsOnline() const { return isOnline_; }  ///< present in the latest search
+  void SetOnline(bool isOnline) { isOnline_ = isOnline; }
+  bool IsUnseen() const { return isUnseen_; }  ///< not met yet by the search that is running
+  void SetUnseen(bool isUnseen) { isUnseen_ = isUnseen; }
+
+  // Features. What the public header says of GetRemoteNode and its family.
+
+  long GetNodeByXmlType(const char* name, ZynNode* node, ZynXmlSource source);
+  long GetNodesByXmlType(ZynNodeArray* nodes, ZynXmlSource source);
+  GenApi_3_4::INodeMap* GetNodesMap(ZynXmlSource source) ZYN_EXCLUDES(mutex_);
+  GenApi_3_4::INodeMap* GetNodesMapAction(ZynXmlSource source);
+  static bool IsSpecialNode(const std::string& name);  ///< known under older names too
+  /// "TriggerSoftware" alone lets exceptions through.
+  long GetNodeType(const std::string& name, ZynXmlSource source, ZynNodeType& type);
+
+  long GetTLNode(const char* name, ZynNode* node);
+  long GetTLNodes(ZynNodeArray* nodes);
+  long GetIFNode(const char* name, ZynNode* node);
+  long GetIFNodes(ZynNodeArray* nodes);
+  long GetDevNode(const char* name, ZynNode* node);
+  long GetDevNodes(ZynNodeArray* nodes);
+  long GetRemoteNode(const char* name, ZynNode* node);
+  long GetRemoteNodes(ZynNodeArray* nodes);
+  long GetDSNode(const char* name, ZynNode* node);
+  long GetDSNodes(ZynNodeArray* nodes);
+
+  long GetBoolValue(const std::string& name, ZynXmlSource source, bool& value);
+  long GetIntValue(const std::string& name, ZynXmlSource source, int& value, int& minimum, int& maximum,
+                   int& increment);
+  long GetFloatValue(const std::string& name, ZynXmlSource source, float& value, float& minimum,
+                     float& maximum, float& increment);
+  long GetEnumValue(const std::string& name, ZynXmlSource source, ZynString& current,
+                    ZynStringArray& entries);
+  long SetBoolValue(const std::string& name, ZynXmlSource source, bool value);
+  long SetIntValue(const std::string& name, ZynXmlSource source, int value);
+  long SetFloatValue(const std::string& name, ZynXmlSource source, float value);
+  long SetEnumStringValue(const std::string& name, ZynXmlSource source, const std::string& entry);
+  long SetEnumIndexValue(const std::string& name, ZynXmlSource source, int value);
+  long ExecuteNode(const std::string& name, ZynXmlSource source, int timeoutMs);
+
+  // Acquisition. What the public header says of StartGrab, StopGrab, SetGrabTimeout and GrabImage.
+
+  long StartGrab(ZynGrabStrategy strategy, int count);
+  long StopGrab();
+  long SetGrabTimeout(int milliseconds);
+  long Grab(ZynImage* image, ZynChunkData* chunk);
+
+  /// One wait for a frame: sets the result, true for 0.
+  using GrabAttempt = std::function<bool(long& result)>;
+  /// Runs the attempt once and returns the result it set. An empty attempt raises std::bad_function_call.
+  static long LoopGrab(const GrabAttempt& attempt);
+  /// What a wait for a frame answers to the application: of the transport's results, those that an
+  /// application can act on pass, the others become 101023.
+  static long ErrorCodeTrans(long code);
+
+ private:
+  CameraAttribute* RecordFor(KELGENICAM::ICameraInfo* info);
+  static long Deliver(KELGENICAM::IImage& frame, ZynImage& image, ZynChunkData* chunk);
+
+  zyn::Mutex mutex_;  // held by GetNodesMap for its look-up; the lock of the device is taken under it
+  const std::unique_ptr<PhysicCamera> device_;
+  std::vector<std::unique_ptr<CameraAttribute>> records_;  // every record, written by replaceAttribute only
+  std::atomic<CameraAttribute*> attribute_;                // the current one of them, never null
+  const std::unique_ptr<NodeManager> nodes_;
+  std::atomic<bool> isUnseen_{false};
+  std::atomic<bool> isOnline_{true};
+  std::atomic<int> grabTimeoutMs_{5000};
+};
+
+}  // namespace ZYNSDK
+
+#endif
