@@ -1,0 +1,91 @@
+#include "gige/ForceIp.h"
+
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+
+#include "gige/UdpSocket.h"
+
+namespace zyn::gige {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using std::chrono::milliseconds;
+
+constexpr std::uint16_t kForceRequest = 0x1001;
+constexpr std::uint16_t kSearchRequest = 0x1002;
+constexpr milliseconds kSearchPeriod{100};
+constexpr int kSearchesPerForce = 5;  // the address is sent again when five searches did not find it in force
+constexpr int kMostForces = 3;
+
+class ForceIpRun {
+ public:
+  ForceIpRun(const Adapter& adapter, UdpSocket socket, const MacAddress& mac, const IpSettings& settings)
+      : adapter_(adapter), socket_(std::move(socket)), mac_(mac), settings_(settings) {}
+
+  ForceIpResult Run(milliseconds patience) {
+    const Clock::time_point deadline = Clock::now() + patience;
+    for (int turn = 0; Clock::now() < deadline; ++turn) {
+      if (turn % kSearchesPerForce == 0 && turn / kSearchesPerForce < kMostForces) {
+        Broadcast(EncodeForceIp(kForceRequest, mac_, settings_.ip, settings_.mask, settings_.gateway));
+      }
+      Broadcast(EncodeDiscovery(kSearchRequest, true));
+      Listen(std::min(deadline, Clock::now() + kSearchPeriod));
+      if (result_ != ForceIpResult::noAnswer) return result_;
+    }
+    return result_;
+  }
+
+ private:
+  void Broadcast(const Bytes& datagram) {
+    for (const AdapterAddress& address : adapter_.addresses) {
+      socket_.SendFrom(address.ip, kLimitedBroadcast, kGvcpPort, datagram);
+    }
+  }
+
+  void Listen(Clock::time_point until) {
+    while (result_ == ForceIpResult::noAnswer) {
+      const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
+      if (wait <= 0) return;
+      pollfd descriptor{socket_.Descriptor(), POLLIN, 0};
+      if (poll(&descriptor, 1, static_cast<int>(wait)) > 0) ReceiveOne();
+    }
+  }
+
+  void ReceiveOne() {
+    std::array<std::uint8_t, kLargestDatagram> buffer{};
+    const auto received = socket_.Receive(buffer);
+    if (!received || received->refused) return;
+    const auto ack = ParseAck(ByteView(buffer).first(received->bytes));
+    if (!ack) return;
+    if (ack->requestId == kForceRequest && ack->ackId == command::kForceIp + 1 &&
+        ack->status != status::kSuccess) {
+      result_ = ForceIpResult::refused;
+    }
+    if (ack->requestId == kSearchRequest && ack->ackId == command::kDiscovery + 1) Compare(ack->payload);
+  }
+
+  void Compare(ByteView payload) {
+    const auto device = ParseDiscovery(payload);
+    if (!device || device->mac != mac_) return;
+    if (device->ip == settings_.ip && device->mask == settings_.mask) result_ = ForceIpResult::confirmed;
+  }
+
+  const Adapter& adapter_;
+  UdpSocket socket_;
+  const MacAddress mac_;
+  const IpSettings settings_;
+  ForceIpResult result_ = ForceIpResult::noAnswer;
+};
+
+}  // namespace
+
+ForceIpResult ForceIp(const Adapter& adapter, const MacAddress& mac, const IpSettings& settings,
+                      std::chrono::milliseconds patience) {
+  auto socket = UdpSocket::OnAdapter(adapter);
+  if (!socket || adapter.addresses.empty()) return ForceIpResult::systemError;
+  return ForceIpRun(adapter, std::move(*socket), mac, settings).Run(patience);
+}
+
+}  // namespace zyn::gige
