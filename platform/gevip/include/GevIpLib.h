@@ -13,7 +13,7 @@
 /// Results of SetCameraIP.
 enum GEV_IP_RESULT {
   GEV_IP_OK = 0,
-  GEV_IP_NOT_FOUND = 1,        ///< no camera with that serial number answers on any adapter
+  GEV_IP_NOT_FOUND = 1,  ///< no camera with that serial number answers on any adapter, or several have it
   GEV_IP_INVALID_ADDRESS = 2,  ///< a text is no dotted IPv4 address, or the camera could not use it
   GEV_IP_REFUSED = 3,          ///< the camera refused the address
   GEV_IP_NO_ANSWER = 4,        ///< the camera did not take the address, or is not seen with it afterwards
