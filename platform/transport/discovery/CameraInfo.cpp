@@ -1,0 +1,18 @@
+#include "CameraInfo.h"
+
+#include "InfoStore.h"
+
+namespace zyn::transport {
+
+const char* CameraInfo::Text(int index) {
+  if (index < 0 || index >= CameraDescription::kTexts) return "";
+  return Description().texts[static_cast<std::size_t>(index)].c_str();
+}
+
+void CameraInfo::CopyFrom(const ICameraInfo& newer) {
+  const CameraInfo* source = InfoStore::Instance().Find(&newer);
+  if (!source || source == this) return;
+  description_.store(source->description_.load(std::memory_order_acquire), std::memory_order_release);
+}
+
+}  // namespace zyn::transport
