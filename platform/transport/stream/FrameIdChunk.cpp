@@ -1,0 +1,89 @@
+#include "FrameIdChunk.h"
+
+#include <cstdlib>
+#include <exception>
+#include <set>
+#include <string>
+
+#include <GenICam.h>
+
+namespace zyn::transport {
+
+namespace {
+
+std::string Property(GenApi_3_4::INode& node, const char* name) {
+  GenICam_3_4::gcstring value;
+  GenICam_3_4::gcstring attribute;
+  return node.GetProperty(name, value, attribute) ? value.c_str() : "";
+}
+
+// Follows a feature through the nodes it takes its value from to the first register.
+GenApi_3_4::INode* FindRegister(GenApi_3_4::INode* node, std::set<GenApi_3_4::INode*>& seen) {
+  if (!node || !seen.insert(node).second) return nullptr;
+  if (dynamic_cast<GenApi_3_4::IRegister*>(node)) return node;
+  GenApi_3_4::NodeList_t children;
+  node->GetChildren(children, GenApi_3_4::ctReadingChildren);
+  for (GenApi_3_4::INode* child : children) {
+    if (GenApi_3_4::INode* found = FindRegister(child, seen)) return found;
+  }
+  return nullptr;
+}
+
+GenApi_3_4::IChunkPort* FindChunkPort(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode& registerNode) {
+  const std::string name = Property(registerNode, "pPort");
+  if (!name.empty()) return dynamic_cast<GenApi_3_4::IChunkPort*>(camera.GetNode(name.c_str()));
+  GenApi_3_4::NodeList_t children;
+  registerNode.GetChildren(children, GenApi_3_4::ctReadingChildren);
+  for (GenApi_3_4::INode* child : children) {
+    if (auto* port = dynamic_cast<GenApi_3_4::IChunkPort*>(child)) return port;
+  }
+  return nullptr;
+}
+
+std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portOrder) {
+  std::set<GenApi_3_4::INode*> seen;
+  GenApi_3_4::INode* node = FindRegister(camera.GetNode("ChunkFrameID"), seen);
+  if (!node) return std::nullopt;
+  GenApi_3_4::IChunkPort* port = FindChunkPort(camera, *node);
+  if (!port) return std::nullopt;
+  const std::string idText = port->GetChunkID().c_str();
+  auto* reg = dynamic_cast<GenApi_3_4::IRegister*>(node);
+  const std::int64_t address = reg->GetAddress();
+  const std::int64_t length = reg->GetLength();
+  if (idText.empty() || address < 0 || length < 1 || length > 8) return std::nullopt;
+  const std::string order = Property(*node, "Endianess");
+  if (order == "BigEndian") portOrder = ByteOrder::kBig;
+  if (order == "LittleEndian") portOrder = ByteOrder::kLittle;
+  return FrameIdChunk(std::strtoull(idText.c_str(), nullptr, 16), static_cast<std::size_t>(address),
+                      static_cast<std::size_t>(length), portOrder);
+}
+
+}  // namespace
+
+std::optional<FrameIdChunk> FrameIdChunk::Find(GenApi_3_4::INodeMap* camera, ByteOrder portOrder) {
+  if (!camera) return std::nullopt;
+  try {
+    return Locate(*camera, portOrder);
+  } catch (const GenICam_3_4::GenericException&) {
+    return std::nullopt;  // a description that cannot tell where the value lies
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+std::optional<std::int64_t> FrameIdChunk::Read(const unsigned char* data,
+                                               const std::vector<ChunkRange>& chunks) const {
+  for (const ChunkRange& chunk : chunks) {
+    if (chunk.id != chunkId_) continue;
+    if (chunk.length < length_ || address_ > chunk.length - length_) return std::nullopt;
+    const unsigned char* from = data + chunk.offset + address_;
+    std::uint64_t value = 0;
+    for (std::size_t i = 0; i < length_; ++i) {
+      value = (value << 8U) | from[order_ == ByteOrder::kBig ? i : length_ - 1 - i];
+    }
+    return static_cast<std::int64_t>(value);
+  }
+  return std::nullopt;
+}
+
+}  // namespace zyn::transport
