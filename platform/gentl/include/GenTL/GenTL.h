@@ -12,11 +12,9 @@
 ///
 /// Conventions shared by the functions:
 /// - Results are GC_ERROR: 0 or one of the negative codes in GC_ERROR_LIST. After a failure the
-/// out-parameters
-///   mean nothing (except the entry count of the two stacked port functions).
+///   out-parameters mean nothing (except the entry count of the two stacked port functions).
 /// - An information getter takes (type, buffer, size). With a null buffer it stores the type and the number
-/// of
-///   bytes needed and succeeds; otherwise `*piSize` is the capacity on entry and the bytes written on return.
+///   of bytes needed and succeeds; otherwise `*piSize` is the capacity on entry and the bytes written on return.
 ///   Sizes of strings include the terminating NUL.
 /// - Time-outs are milliseconds; GENTL_INFINITE waits for ever.
 #ifndef GENTL_GENTL_H

@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t kTrailerBytes = 8;
 constexpr std::size_t kLengthAt = 4;
+constexpr std::size_t kMaximumChunks = 65536;  // a payload of zeros would be read as millions of empty chunks
 
 std::uint32_t Load32(ChunkTrailers format, const std::uint8_t* at) {
   if (format == ChunkTrailers::bigEndian) {
@@ -30,6 +31,8 @@ std::vector<Chunk> ParseChunkTrailers(ChunkTrailers format, const std::uint8_t* 
     const std::size_t length = Load32(format, trailer + kLengthAt);
     if (length > end - kTrailerBytes)
       throw Error(GenTL::GC_ERR_PARSING_CHUNK_DATA, "A chunk is longer than the payload before it.");
+    if (chunks.size() == kMaximumChunks)
+      throw Error(GenTL::GC_ERR_PARSING_CHUNK_DATA, "The payload has too many chunks to be chunk data.");
     end -= kTrailerBytes + length;
     chunks.push_back({Load32(format, trailer), end, length});
   }

@@ -6,14 +6,12 @@
 ///
 /// Threads. The kit holds none of its locks while it calls a backend, so a call may block on a device. It
 /// calls from any thread, and different objects at the same time. Per object:
-/// - Backend::FindInterfaces, Interface::FindDevices, Interface::OpenDevice and the open and close functions
-/// are
-///   called one at a time per object.
+/// - Backend::FindInterfaces and OpenInterface are called one at a time, and so are FindDevices, OpenDevice and
+///   ForceAddress of one Interface. Devices and streams may be destroyed at any time.
 /// - Device::Read and Device::Write may be called by several threads at once and during everything else; the
 ///   backend serialises them if its link needs that.
-/// - Stream::Start and Stream::Stop are called one at a time. OnBuffersQueued may come at any time in
-/// between,
-///   also while Stop runs.
+/// - Stream::Start and Stream::Stop are called one at a time. OnBuffersQueued may come at any time
+///   in between, also while Stop runs.
 /// - An object is destroyed when no call on it is running any more, and its children are destroyed before it.
 ///
 /// The sinks and listeners that the kit hands over may be called from any thread, also from within a call
@@ -76,7 +74,8 @@ class StreamSink {
   /// counts as begun when it is delivered.
   virtual void MarkStarted(StreamBuffer& buffer) = 0;
 
-  /// Hands over a filled buffer; it belongs to the kit from here on.
+  /// Hands over a filled buffer; it belongs to the kit from here on. Depending on the handling mode that frees
+  /// another buffer, so a backend that takes ahead calls TakeQueued after each delivery.
   virtual void Deliver(StreamBuffer& buffer, FrameInfo&& info) = 0;
 
   /// Returns a taken buffer without data: it waits to be taken again.
@@ -126,12 +125,10 @@ class Stream {
 ///
 /// How a consumer learns that a device was lost, once OnLost was called:
 /// - EVENT_ERROR on the local device module (DEV_HANDLE) comes with GC_ERR_IO, and once more on each data
-/// stream
-///   that is open; EVENT_MODULE on the local device comes with the ID of the DeviceLost event of its
+///   stream that is open; EVENT_MODULE on the local device comes with the ID of the DeviceLost event of its
 ///   description;
 /// - DEVICE_INFO_ACCESS_STATUS is DEVICE_ACCESS_STATUS_NOACCESS, from DevGetInfo at once and from
-/// IFGetDeviceInfo
-///   as long as the device stays open;
+///   IFGetDeviceInfo as long as the device stays open;
 /// - the remote port answers GC_ERR_IO without asking the device, and PORT_INFO_ACCESS_NA is true;
 /// - a waiting EventGetData on EVENT_NEW_BUFFER does not end by itself: the consumer ends it with EventKill
 /// when it
