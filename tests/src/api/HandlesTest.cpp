@@ -1,0 +1,247 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "FakeTransport.h"
+#include "Handles.h"
+#include "ZynCamera.h"
+
+using namespace ZYNSDK;
+using fakes::FakeCamera;
+using fakes::FakeCameraInfo;
+using fakes::InternalOf;
+
+// The two kinds are unrelated, and nobody but the library fills a handle.
+static_assert(!std::is_convertible_v<ZynCamera, Zyn3DCamera>);
+static_assert(!std::is_convertible_v<Zyn3DCamera, ZynCamera>);
+static_assert(std::has_virtual_destructor_v<ZynCamera> && std::has_virtual_destructor_v<Zyn3DCamera> &&
+              std::has_virtual_destructor_v<ZynCameraAttribute>);
+static_assert(!std::is_polymorphic_v<ZynNode> && !std::is_polymorphic_v<ZynImage>);
+
+namespace {
+
+// The registry behind the free functions lives as long as the program and keeps pointing at descriptions, so these
+// live as long; every test uses serial numbers of its own.
+FakeCameraInfo& Info(const char* serialNumber, const char* model) {
+  static std::vector<std::unique_ptr<FakeCameraInfo>> infos;
+  return *infos.emplace_back(std::make_unique<FakeCameraInfo>(serialNumber, model));
+}
+
+}  // namespace
+
+TEST(EmptyZynCamera, AnswersTheNullResults) {
+  ZynCamera camera;
+  ZynImage image;
+  ZynChunkData chunk;
+  ZynNode node;
+  ZynNodeArray nodes;
+  EXPECT_EQ(camera.Attribute(), nullptr);
+  EXPECT_FALSE(camera.IsOpen());
+  EXPECT_FALSE(camera.IsGrabbing());
+  const std::vector<long> results = {camera.Open(nullptr),
+                                     camera.Close(),
+                                     camera.StartGrab(ZYN_GRAB_ONE_BY_ONE, 0),
+                                     camera.StopGrab(),
+                                     camera.SetGrabTimeout(0),
+                                     camera.GrabImage(&image, &chunk),
+                                     camera.GrabImage(nullptr, nullptr),
+                                     camera.GetTLNode("X", &node),
+                                     camera.GetTLNodes(&nodes),
+                                     camera.GetIFNode("X", &node),
+                                     camera.GetIFNodes(&nodes),
+                                     camera.GetDevNode("X", &node),
+                                     camera.GetDevNodes(&nodes),
+                                     camera.GetRemoteNode(nullptr, nullptr),
+                                     camera.GetRemoteNodes(nullptr),
+                                     camera.GetDSNode("X", &node),
+                                     camera.GetDSNodes(&nodes)};
+  for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
+}
+
+TEST(EmptyZyn3DCamera, AnswersTheNullResults) {
+  Zyn3DCamera camera;
+  ZynNode node;
+  ZynNodeArray nodes;
+  EXPECT_EQ(camera.Attribute(), nullptr);
+  EXPECT_FALSE(camera.IsOpen());
+  const std::vector<long> results = {camera.Open(), camera.Close(), camera.SetGrabTimeout(0),
+                                     camera.GetNode("X", &node), camera.GetNodes(&nodes)};
+  for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
+}
+
+TEST(EmptyZynNode, AnswersTheNullResults) {
+  ZynNode node;
+  bool boolean = false;
+  int integer = 0;
+  float real = 0;
+  ZynString text;
+  ZynStringArray texts;
+  EXPECT_STREQ(node.Name(), "");
+  EXPECT_EQ(node.Type(), ZYN_NODE_UNKNOWN);
+  const std::vector<long> results = {node.GetBool(&boolean),
+                                     node.GetInt(&integer),
+                                     node.GetFloat(&real),
+                                     node.GetEnumIndex(&integer, &texts),
+                                     node.GetEnumString(&text, &texts),
+                                     node.GetString(&text),
+                                     node.GetRegister(&text),
+                                     node.GetInt(nullptr),
+                                     node.SetBool(true),
+                                     node.SetInt(1),
+                                     node.SetFloat(1),
+                                     node.SetEnumIndex(0),
+                                     node.SetEnumString(text),
+                                     node.SetString(text),
+                                     node.SetRegister(text),
+                                     node.Execute(0)};
+  for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
+}
+
+TEST(FreeFunctions, InitAndUnInitReachTheTransport) {
+  fakes::FakeTransport transport;
+  transport.initResult = -3;
+  EXPECT_EQ(ZynSDKInit(), 0);
+  EXPECT_EQ(ZynSDKUnInit(), 0);
+  EXPECT_EQ(transport.calls.Names(), (std::vector<std::string>{"Init", "UnInit"}));
+}
+
+TEST(FreeFunctions, ReachTheOneRegistry) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& area = Info("F-area", "Area-1");
+  FakeCameraInfo& laser = Info("F-laser", "KEL-LP1");
+  transport.present = {&area, &laser};
+  transport.byTLType[5] = {&laser};
+  ZynCameraArray cameras;
+  Zyn3DCameraArray cameras3D;
+  std::vector<ZynCamera> all2D;
+  std::vector<Zyn3DCamera> all3D;
+  ZynCamera camera;
+  Zyn3DCamera camera3D;
+  EXPECT_EQ(DiscoveryCameras(&cameras), 0);
+  EXPECT_EQ(Discovery3DCameras(&cameras3D), 0);
+  EXPECT_EQ(DiscoveryAllCameras(&all2D, &all3D), 0);
+  EXPECT_EQ(DiscoveryCamera("F-area", &camera), 0);
+  EXPECT_EQ(Discovery3DCamera("F-laser", &camera3D), 0);
+  ASSERT_EQ(cameras.length(), 1U);
+  ASSERT_EQ(cameras3D.length(), 1U);
+  ASSERT_EQ(all2D.size(), 1U);
+  ASSERT_EQ(all3D.size(), 1U);
+  EXPECT_EQ(InternalOf(cameras[0]), InternalOf(camera));
+  EXPECT_EQ(InternalOf(all2D[0]), InternalOf(camera));
+  EXPECT_EQ(InternalOf(cameras3D[0]), InternalOf(camera3D));
+  EXPECT_EQ(InternalOf(all3D[0]), InternalOf(camera3D));
+  EXPECT_EQ(DiscoveryCamerasByProtocolType(5, &cameras), 0);
+  ASSERT_EQ(cameras.length(), 1U);
+  EXPECT_EQ(InternalOf(cameras[0]), InternalOf(camera3D));
+  EXPECT_EQ(DiscoveryCamera("F-laser", &camera), ZYN_ERROR_NO_SUCH_CAMERA);
+  EXPECT_EQ(DiscoveryCamera(nullptr, &camera), ZYN_ERROR_INVALID_ARGUMENT);
+}
+
+TEST(FreeFunctions, CameraLinkTextsReachTheTransport) {
+  fakes::FakeTransport transport;
+  transport.protocols = {"p"};
+  transport.serials = {"s", "t"};
+  EXPECT_EQ(GetCLCameraProtocols().length(), 1U);
+  EXPECT_EQ(GetCLCameraSerials().length(), 2U);
+}
+
+TEST(ZynCameraHandle, CopiesActOnTheSameDeviceAndOutliveTheOriginal) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-copies", "Area-1");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  auto original = std::make_unique<ZynCamera>();
+  ASSERT_EQ(DiscoveryCamera("H-copies", original.get()), 0);
+  ZynCamera copy(*original);
+  EXPECT_EQ(original->Open(nullptr), 0);
+  EXPECT_TRUE(copy.IsOpen());
+  original.reset();
+  EXPECT_EQ(device.calls.Count("Close"), 0);
+  EXPECT_EQ(copy.StartGrab(ZYN_GRAB_LATEST, 7), 0);
+  EXPECT_TRUE(copy.IsGrabbing());
+  EXPECT_EQ(device.strategy, KELGENICAM::GRAB_LATEST);
+  EXPECT_EQ(device.count, 7);
+  EXPECT_EQ(copy.SetGrabTimeout(123), 0);
+  fakes::FakeImage frame(4, 3, 1, 10);
+  fakes::FakeChunk bytes({1, 2});
+  frame.chunks = {&bytes};
+  device.Deliver(0, &frame);
+  ZynImage image;
+  ZynChunkData chunk;
+  EXPECT_EQ(copy.GrabImage(&image, &chunk), 0);
+  EXPECT_EQ(image.Width(), 4);
+  EXPECT_EQ(chunk.getLength(), 2U);
+  EXPECT_EQ(device.timeoutMs, 123);
+  EXPECT_EQ(copy.StopGrab(), 0);
+  EXPECT_FALSE(copy.IsGrabbing());
+  EXPECT_EQ(copy.Close(), 0);
+  EXPECT_FALSE(copy.IsOpen());
+}
+
+TEST(ZynCameraHandle, AttributeBelongsToTheCaller) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-attribute", "Area-1");
+  transport.present = {&info};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-attribute", &camera), 0);
+  const std::unique_ptr<ZynCameraAttribute> attribute(camera.Attribute());
+  EXPECT_STREQ(attribute->CameraSerialNumber(), "H-attribute");
+  const ZynCameraAttribute copy(*attribute);
+  EXPECT_STREQ(copy.CameraModel(), "Area-1");
+}
+
+TEST(Zyn3DCameraHandle, OpensWithoutAFileAndCloses) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-3D", "VX7");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  Zyn3DCamera camera;
+  ASSERT_EQ(Discovery3DCamera("H-3D", &camera), 0);
+  const std::unique_ptr<ZynCameraAttribute> attribute(camera.Attribute());
+  EXPECT_STREQ(attribute->CameraModel(), "VX7");
+  EXPECT_EQ(camera.SetGrabTimeout(1), ZYN_ERROR_NOT_OPEN);
+  EXPECT_EQ(camera.Open(), 0);
+  EXPECT_TRUE(camera.IsOpen());
+  EXPECT_EQ(camera.SetGrabTimeout(0), ZYN_ERROR_INVALID_ARGUMENT);
+  EXPECT_EQ(camera.SetGrabTimeout(1), 0);
+  EXPECT_EQ(camera.Close(), 0);
+  EXPECT_FALSE(camera.IsOpen());
+}
+
+TEST(NodeMapFunctions, ReachTheCamera) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("N-2D", "Area-1");
+  FakeCameraInfo& laser = Info("N-3D", "VX7");
+  FakeCamera device;
+  FakeCamera device3D;
+  transport.present = {&info, &laser};
+  transport.cameras[&info] = {&device};
+  transport.cameras[&laser] = {&device3D};
+  ZynCamera camera;
+  Zyn3DCamera camera3D;
+  ASSERT_EQ(DiscoveryCamera("N-2D", &camera), 0);
+  ASSERT_EQ(Discovery3DCamera("N-3D", &camera3D), 0);
+  EXPECT_EQ(Get2DCameraNodeMap(&camera, ZYN_XML_REMOTE_DEVICE), nullptr);  // closed
+  camera.Open(nullptr);
+  camera3D.Open();
+  // Any address will do: nobody looks inside.
+  auto* map = reinterpret_cast<GenApi_3_4::INodeMap*>(&device);
+  device.streamMap.map = map;
+  device3D.localMap.map = map;
+  EXPECT_EQ(Get2DCameraNodeMap(&camera, ZYN_XML_DATA_STREAM), map);
+  EXPECT_EQ(Get2DCameraNodeMap(&camera, ZYN_XML_LOCAL_DEVICE), nullptr);
+  EXPECT_EQ(Get2DCameraNodeMap(&camera, static_cast<ZynXmlSource>(5)), nullptr);
+  EXPECT_EQ(Get3DCameraNodeMap(&camera3D, ZYN_XML_LOCAL_DEVICE), map);
+  camera.Close();
+  camera3D.Close();
+}
+
+TEST(NodeMapFunctionsDeathTest, CheckNothing) {
+  ZynCamera empty;
+  EXPECT_DEATH(Get2DCameraNodeMap(&empty, ZYN_XML_REMOTE_DEVICE), "");
+}
