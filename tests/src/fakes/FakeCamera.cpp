@@ -57,9 +57,15 @@ bool FakeCamera::IsGrabbing() {
   return isGrabbing;
 }
 
+void FakeCamera::Deliver(int result, FakeImage* image) {
+  zyn::MutexLock lock(mutex_);
+  frames_.push_back({result, image});
+}
+
 int FakeCamera::Grab(KELGENICAM::IImage** image, int milliseconds) {
   Enter("Grab");
   timeoutMs = milliseconds;
+  zyn::MutexLock lock(mutex_);
   if (frames_.empty()) return grabResult;
   const Frame frame = frames_.front();
   frames_.pop_front();

@@ -10,6 +10,7 @@
 #include "CallLog.h"
 #include "FakeImage.h"
 #include "KELGeniCam.h"
+#include "ThreadAnnotations.h"
 
 namespace fakes {
 
@@ -45,7 +46,7 @@ class FakeCamera : public KELGENICAM::ICamera {
   void Make() { isMade_ = true; }  ///< the transport made it: from now on it must be released
   int Releases() const { return releases_; }
   /// The next waits for a frame answer these, in order; then `grabResult` without a frame.
-  void Deliver(int result, FakeImage* image) { frames_.push_back({result, image}); }
+  void Deliver(int result, FakeImage* image);
 
   // Script. `hook` runs in every call with its name, and may throw or wait.
   std::function<void(const std::string& call)> hook;
@@ -68,7 +69,7 @@ class FakeCamera : public KELGENICAM::ICamera {
   int accessMode = -1;
   KELGENICAM::GRAB_STRATEGY strategy{};
   int count = 0;
-  int timeoutMs = 0;
+  std::atomic<int> timeoutMs{0};
   std::string paramName, paramValue;
 
  private:
@@ -79,7 +80,8 @@ class FakeCamera : public KELGENICAM::ICamera {
   void Enter(const char* name);
   KELGENICAM::INodeMapHolder* Holder(const char* name, FakeNodeMapHolder& holder);
 
-  std::deque<Frame> frames_;
+  zyn::Mutex mutex_;
+  std::deque<Frame> frames_ ZYN_GUARDED_BY(mutex_);
   bool isMade_ = false;
   std::atomic<int> releases_{0};
 };
