@@ -2,6 +2,7 @@
 #ifndef GENAPI_GENAPI_H
 #define GENAPI_GENAPI_H
 
+#include "ConcatenatedWrite.h"
 #include "Container.h"
 #include "IBase.h"
 #include "IBoolean.h"

@@ -1,50 +1,147 @@
 #include "GenApi/NodeMapFactory.h"
 
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
 #include "Base/GCException.h"
+#include "description/DescriptionBuilder.h"
+#include "description/SourceText.h"
+#include "map/NodeMap.h"
 
 namespace GENAPI_NAMESPACE {
 
+using GENICAM_NAMESPACE::gcstring;
+using GENICAM_NAMESPACE::gcstring_vector;
+
+namespace {
+
+std::string Copy(const gcstring& text) {
+  return {text.c_str(), text.size()};
+}
+
+// Zip archives are told by their content: the names that devices give their files often mislead.
+std::string XmlOf(std::string data) {
+  return zyn::genapi::ToCleanUtf8(zyn::genapi::IsZip(data) ? zyn::genapi::Unzip(data) : std::move(data));
+}
+
+std::string XmlOf(EContentType_t type, std::string data) {
+  if (type == ContentType_ZippedXml && !zyn::genapi::IsZip(data))
+    throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
+  return XmlOf(std::move(data));
+}
+
+std::string CopyBytes(const void* data, size_t size) {
+  if (!data && size > 0) throw INVALID_ARGUMENT_EXCEPTION("The description is null");
+  if (size > zyn::genapi::kMaxDescriptionBytes)
+    throw RUNTIME_EXCEPTION("The description is too large: %zu bytes", size);
+  return {static_cast<const char*>(data), size};
+}
+
+}  // namespace
+
+/// Shared by the copies of one factory.
 struct CNodeMapFactory::Impl {
-  GENICAM_NAMESPACE::gcstring text;
+  struct Shared {
+    std::string xml;
+    bool released = false;
+    std::shared_ptr<const zyn::genapi::Description> description;
+  };
+  std::shared_ptr<Shared> shared;
+
+  explicit Impl(std::string xml) : shared(std::make_shared<Shared>()) { shared->xml = std::move(xml); }
+
+  std::shared_ptr<const zyn::genapi::Description> Parsed() const {
+    if (!shared->description) {
+      if (shared->released) throw RUNTIME_EXCEPTION("The description was released before it was parsed");
+      shared->description = zyn::genapi::BuildDescription(shared->xml);
+    }
+    return shared->description;
+  }
 };
 
 CNodeMapFactory::CNodeMapFactory() : m_pImpl(nullptr) {}
-CNodeMapFactory::CNodeMapFactory(EContentType_t, const GENICAM_NAMESPACE::gcstring&, ECacheUsage_t, bool)
-    : CNodeMapFactory() {}
-CNodeMapFactory::CNodeMapFactory(EContentType_t, const void*, size_t, ECacheUsage_t, bool)
-    : CNodeMapFactory() {}
-CNodeMapFactory::CNodeMapFactory(const GENICAM_NAMESPACE::gcstring&, ECacheUsage_t, bool)
-    : CNodeMapFactory() {}
-CNodeMapFactory::CNodeMapFactory(const CNodeMapFactory& rhs) = default;
-CNodeMapFactory& CNodeMapFactory::operator=(const CNodeMapFactory& rhs) = default;
-CNodeMapFactory::~CNodeMapFactory() = default;
 
-bool CNodeMapFactory::IsEmpty() const { return !m_pImpl || m_pImpl->text.empty(); }
+CNodeMapFactory::CNodeMapFactory(EContentType_t FileType, const gcstring& FileName, ECacheUsage_t, bool)
+    : m_pImpl(new Impl(XmlOf(FileType, zyn::genapi::ReadFile(Copy(FileName))))) {}
+
+CNodeMapFactory::CNodeMapFactory(EContentType_t ContentType, const void* pData, size_t DataSize,
+                                 ECacheUsage_t, bool)
+    : m_pImpl(new Impl(XmlOf(ContentType, CopyBytes(pData, DataSize)))) {}
+
+CNodeMapFactory::CNodeMapFactory(const gcstring& XmlData, ECacheUsage_t, bool)
+    : m_pImpl(new Impl(XmlOf(Copy(XmlData)))) {}
+
+CNodeMapFactory::CNodeMapFactory(const CNodeMapFactory& rhs)
+    : m_pImpl(rhs.m_pImpl ? new Impl(*rhs.m_pImpl) : nullptr) {}
+
+CNodeMapFactory::~CNodeMapFactory() {
+  delete m_pImpl;
+}
+
+CNodeMapFactory& CNodeMapFactory::operator=(const CNodeMapFactory& rhs) {
+  CNodeMapFactory copy(rhs);
+  std::swap(m_pImpl, copy.m_pImpl);
+  return *this;
+}
+
+bool CNodeMapFactory::IsEmpty() const {
+  return !m_pImpl;
+}
 bool CNodeMapFactory::IsLoaded() const {
-  return false;
+  return m_pImpl != nullptr;
 }
 bool CNodeMapFactory::IsPreprocessed() const {
-  return false;
+  return m_pImpl && m_pImpl->shared->description;
 }
 bool CNodeMapFactory::IsCameraDescriptionFileDataReleased() const {
-  return true;
+  return !m_pImpl || m_pImpl->shared->released;
 }
-void CNodeMapFactory::Preprocess() {}
-void CNodeMapFactory::ReleaseCameraDescriptionFileData() {}
-INodeMap* CNodeMapFactory::CreateNodeMap(const GENICAM_NAMESPACE::gcstring&, bool) {
-  throw RUNTIME_EXCEPTION("The factory holds no description");
+
+void CNodeMapFactory::Preprocess() {
+  if (m_pImpl) m_pImpl->Parsed();
 }
-INodeMap* CNodeMapFactory::CreateNodeMap(CLock&, const GENICAM_NAMESPACE::gcstring& DeviceName,
-                                         bool release) {
-  return CreateNodeMap(DeviceName, release);
+
+void CNodeMapFactory::ReleaseCameraDescriptionFileData() {
+  if (!m_pImpl) return;
+  m_pImpl->shared->released = true;
+  std::string().swap(m_pImpl->shared->xml);
 }
+
+namespace {
+
+template <class Factory>
+INodeMap* Create(Factory& factory, std::shared_ptr<const zyn::genapi::Description> description, CLock* lock,
+                 const gcstring& deviceName, bool release) {
+  auto map = std::make_unique<zyn::genapi::NodeMap>(std::move(description), Copy(deviceName), lock);
+  if (release) factory.ReleaseCameraDescriptionFileData();
+  return map.release();
+}
+
+}  // namespace
+
+INodeMap* CNodeMapFactory::CreateNodeMap(const gcstring& DeviceName,
+                                         bool DoReleaseCameraDescriptionFileData) {
+  if (!m_pImpl) throw RUNTIME_EXCEPTION("The factory holds no description");
+  return Create(*this, m_pImpl->Parsed(), nullptr, DeviceName, DoReleaseCameraDescriptionFileData);
+}
+
+INodeMap* CNodeMapFactory::CreateNodeMap(CLock& UserProvidedLock, const gcstring& DeviceName,
+                                         bool DoReleaseCameraDescriptionFileData) {
+  if (!m_pImpl) throw RUNTIME_EXCEPTION("The factory holds no description");
+  return Create(*this, m_pImpl->Parsed(), &UserProvidedLock, DeviceName, DoReleaseCameraDescriptionFileData);
+}
+
 INodeMap* CNodeMapFactory::CreateEmptyNodeMap() {
-  throw RUNTIME_EXCEPTION("The factory holds no description");
+  return new zyn::genapi::NodeMap(zyn::genapi::BuildDescription("<RegisterDescription/>"), "Device", nullptr);
 }
+
 bool CNodeMapFactory::ClearCache() {
   return true;
 }
-void CNodeMapFactory::GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& SchemaVersions) const {
+
+void CNodeMapFactory::GetSupportedSchemaVersions(gcstring_vector& SchemaVersions) const {
   SchemaVersions.clear();
   SchemaVersions.push_back("1.0");
   SchemaVersions.push_back("1.1");

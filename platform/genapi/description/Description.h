@@ -1,0 +1,112 @@
+/// A device description after parsing: nodes, their properties, and the links between them, in flat arrays.
+#ifndef ZYN_GENAPI_DESCRIPTION_DESCRIPTION_H
+#define ZYN_GENAPI_DESCRIPTION_DESCRIPTION_H
+
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "GenApi/Types.h"
+#include "description/Element.h"
+
+namespace zyn::genapi {
+
+/// Index of a node in its description, in document order.
+using NodeId = std::uint32_t;
+constexpr NodeId kNoNode = 0xffffffff;
+
+/// A piece of the description's text.
+struct TextRef {
+  std::uint32_t offset = 0;
+  std::uint32_t size = 0;
+};
+
+/// One child element of a node.
+struct Property {
+  Element element;
+  std::uint32_t line;
+  TextRef text;
+  /// The attribute that belongs to the element: Name of a formula's ingredient, Index or Offset. May be
+  /// empty.
+  TextRef attribute;
+  /// Number or word (reals as bits), or the node linked to.
+  std::int64_t number;
+
+  NodeId Target() const { return static_cast<NodeId>(number); }
+  double Real() const { return std::bit_cast<double>(number); }
+};
+
+/// One node.
+struct NodeRecord {
+  NodeKind kind;
+  GENAPI_NAMESPACE::ENameSpace nameSpace;
+  /// Lies below the category Root.
+  bool isFeature;
+  /// For categories that of their features, see Linker.
+  GENAPI_NAMESPACE::EVisibility visibility;
+  std::uint32_t line;
+  std::uint32_t firstProperty;
+  std::uint32_t propertyCount;
+  TextRef name;
+  /// The enumeration of an entry; else kNoNode.
+  NodeId owner;
+};
+
+/// What the root element says.
+struct DeviceFacts {
+  std::string modelName, vendorName, toolTip, standardNameSpace, productGuid, versionGuid;
+  Version_t schemaVersion{1, 1, 0};
+  Version_t deviceVersion{0, 0, 0};
+};
+
+/// Lists of nodes per node, in one array.
+class Adjacency {
+ public:
+  /// Pairs (from, to); duplicates are dropped.
+  void Build(std::size_t nodes, std::vector<std::pair<NodeId, NodeId>>&& pairs);
+  std::span<const NodeId> Of(NodeId node) const;
+
+ private:
+  std::vector<std::uint32_t> first_;
+  std::vector<NodeId> targets_;
+};
+
+/// Immutable once linked; any number of node maps, on any threads, share it.
+class Description {
+ public:
+  std::string_view Text(TextRef ref) const { return {text.data() + ref.offset, ref.size}; }
+  std::string_view Name(NodeId node) const { return Text(nodes[node].name); }
+  std::span<const Property> Properties(NodeId node) const {
+    return {properties.data() + nodes[node].firstProperty, nodes[node].propertyCount};
+  }
+  /// The first property of that element, or null.
+  const Property* Find(NodeId node, Element element) const;
+  NodeId FindNode(std::string_view name) const;
+  /// "Width (Integer, line 12)", for messages.
+  std::string Label(NodeId node) const;
+
+  std::string text;
+  std::vector<NodeRecord> nodes;
+  std::vector<Property> properties;
+  std::unordered_map<std::string_view, NodeId> index;
+  DeviceFacts facts;
+
+  /// Nodes whose value, limits, address or access mode change when the node changes; selectors and
+  /// invalidators count.
+  Adjacency affected;
+  /// Nodes that mention the node in whatever way.
+  Adjacency mentionedBy;
+  /// Nodes that select the node.
+  Adjacency selectedBy;
+  std::vector<NodeId> polled;
+  std::vector<NodeId> ports;
+};
+
+}  // namespace zyn::genapi
+
+#endif

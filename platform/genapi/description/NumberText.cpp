@@ -1,0 +1,79 @@
+#include "description/NumberText.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace zyn::genapi {
+namespace {
+
+bool TakeHexPrefix(std::string_view& text) {
+  if (text.size() < 3 || text[0] != '0' || (text[1] != 'x' && text[1] != 'X')) return false;
+  text.remove_prefix(2);
+  return true;
+}
+
+std::optional<std::uint64_t> ParseDigits(std::string_view text, int base) {
+  std::uint64_t value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::optional<double> ParseDecimalReal(std::string_view text) {
+  double value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (end != text.data() + text.size()) return std::nullopt;
+  if (error == std::errc::result_out_of_range)
+    return text.find("e-") != text.npos || text.find("E-") != text.npos
+               ? 0.0
+               : std::numeric_limits<double>::infinity();
+  if (error != std::errc()) return std::nullopt;
+  return value;
+}
+
+}  // namespace
+
+std::string_view Trim(std::string_view text) {
+  constexpr std::string_view kBlank = " \t\r\n";
+  const std::size_t first = text.find_first_not_of(kBlank);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
+}
+
+std::optional<std::int64_t> ParseInteger(std::string_view text) {
+  text = Trim(text);
+  const bool negative = !text.empty() && text[0] == '-';
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
+  std::string_view digits = text;
+  const bool hex = TakeHexPrefix(digits);
+  if (const auto bits = ParseDigits(digits, hex ? 16 : 10))
+    return static_cast<std::int64_t>(negative ? 0 - *bits : *bits);
+  if (hex || text.empty() || text[0] < '0' || text[0] > '9') return std::nullopt;
+  const std::optional<double> real = ParseDecimalReal(text);
+  if (!real || !(*real < 9223372036854775808.0)) return std::nullopt;
+  const auto whole = static_cast<std::int64_t>(*real);
+  return negative ? -whole : whole;
+}
+
+std::optional<double> ParseReal(std::string_view text) {
+  text = Trim(text);
+  const bool negative = !text.empty() && text[0] == '-';
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
+  if (text.empty() || text[0] == '-' || text[0] == '+') return std::nullopt;
+  std::optional<double> value;
+  if (text == "INF") value = std::numeric_limits<double>::infinity();
+  if (text == "NaN") value = std::numeric_limits<double>::quiet_NaN();
+  if (!value && (text[0] == '.' || (text[0] >= '0' && text[0] <= '9'))) {
+    std::string_view digits = text;
+    if (TakeHexPrefix(digits)) {
+      if (const auto bits = ParseDigits(digits, 16)) value = static_cast<double>(*bits);
+    } else {
+      value = ParseDecimalReal(text);
+    }
+  }
+  if (!value) return std::nullopt;
+  return negative ? -*value : *value;
+}
+
+}  // namespace zyn::genapi

@@ -1,0 +1,183 @@
+#include "description/SourceText.h"
+
+#include <zip.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string_view>
+
+#include "Base/GCException.h"
+
+namespace zyn::genapi {
+namespace {
+
+using namespace std::string_view_literals;
+
+struct CloseArchive {
+  void operator()(zip_t* archive) const { zip_discard(archive); }
+};
+struct CloseEntry {
+  void operator()(zip_file_t* file) const { zip_fclose(file); }
+};
+using Archive = std::unique_ptr<zip_t, CloseArchive>;
+using EntryFile = std::unique_ptr<zip_file_t, CloseEntry>;
+
+Archive OpenArchive(const std::string& data) {
+  zip_error_t error;
+  zip_error_init(&error);
+  zip_source_t* const source = zip_source_buffer_create(data.data(), data.size(), 0, &error);
+  zip_t* const archive = source ? zip_open_from_source(source, ZIP_RDONLY, &error) : nullptr;
+  if (!archive) {
+    if (source) zip_source_free(source);
+    const std::string reason = zip_error_strerror(&error);
+    zip_error_fini(&error);
+    throw RUNTIME_EXCEPTION("The zipped description cannot be opened: %s", reason.c_str());
+  }
+  zip_error_fini(&error);
+  return Archive(archive);
+}
+
+bool EndsWithXml(std::string_view name) {
+  if (name.size() < 4) return false;
+  std::string end(name.substr(name.size() - 4));
+  std::transform(end.begin(), end.end(), end.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return end == ".xml";
+}
+
+zip_uint64_t ChooseEntry(zip_t* archive) {
+  const auto count = static_cast<zip_uint64_t>(std::max<zip_int64_t>(zip_get_num_entries(archive, 0), 0));
+  zip_uint64_t firstFile = count;
+  for (zip_uint64_t i = 0; i < count; ++i) {
+    const char* const name = zip_get_name(archive, i, ZIP_FL_ENC_RAW);
+    const std::string_view text = name ? name : "";
+    if (EndsWithXml(text)) return i;
+    if (firstFile == count && !text.empty() && text.back() != '/') firstFile = i;
+  }
+  if (firstFile == count) throw RUNTIME_EXCEPTION("The zipped description holds no file");
+  return firstFile;
+}
+
+// Devices write archives into memory of fixed size: what follows the end record is padding.
+std::string WithoutPadding(const std::string& data) {
+  constexpr std::string_view kEndRecord = "PK\x05\x06";
+  constexpr std::size_t kEndRecordBytes = 22;
+  const std::size_t at = data.rfind(kEndRecord);
+  if (at == std::string::npos || data.size() - at < kEndRecordBytes) return data;
+  const auto low = static_cast<unsigned char>(data[at + 20]);
+  const auto high = static_cast<unsigned char>(data[at + 21]);
+  const std::size_t end = at + kEndRecordBytes + low + 256U * high;
+  return data.substr(0, std::min(end, data.size()));
+}
+
+// Length of the UTF-8 sequence that begins there; 0 when it is none.
+std::size_t Utf8SequenceAt(std::string_view text, std::size_t at) {
+  const auto lead = static_cast<unsigned char>(text[at]);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead >= 0xC2 && lead < 0xE0
+                                 ? 2
+                                 : (lead >= 0xE0 && lead < 0xF0 ? 3 : (lead >= 0xF0 && lead < 0xF5 ? 4 : 0));
+  if (length == 0 || at + length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i)
+    if ((static_cast<unsigned char>(text[at + i]) & 0xC0) != 0x80) return 0;
+  return length;
+}
+
+bool IsUtf8(std::string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = Utf8SequenceAt(text, at);
+    if (length == 0) return false;
+    at += length;
+  }
+  return true;
+}
+
+std::string RepairUtf8(std::string_view text, bool isLatin1) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 8);
+  for (std::size_t at = 0; at < text.size();) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    const std::size_t length = isLatin1 && byte >= 0x80 ? 0 : Utf8SequenceAt(text, at);
+    if (length == 0) {
+      out += static_cast<char>(0xC0 | byte >> 6);
+      out += static_cast<char>(0x80 | (byte & 0x3F));
+      ++at;
+    } else {
+      out.append(text.substr(at, length));
+      at += length;
+    }
+  }
+  return out;
+}
+
+bool DeclaresLatin1(std::string_view text) {
+  const std::string_view prolog = text.substr(0, std::min<std::size_t>(text.find("?>"), 200));
+  if (prolog.substr(0, 5) != "<?xml") return false;
+  return prolog.find("8859-1") != prolog.npos || prolog.find("1252") != prolog.npos;
+}
+
+// Everything up to the end tag of the root element, if there is one.
+std::string_view UpToRootEnd(std::string_view text) {
+  const std::size_t name = text.rfind("RegisterDescription"sv);
+  if (name == std::string_view::npos) return text;
+  const std::size_t open = text.rfind('<', name);
+  const std::size_t close = text.find('>', name);
+  const bool isEndTag = open != std::string_view::npos && open + 1 < text.size() && text[open + 1] == '/';
+  return isEndTag && close != std::string_view::npos ? text.substr(0, close + 1) : text;
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) throw RUNTIME_EXCEPTION("Failed to open xml file '%s'", path.c_str());
+  std::string data;
+  char chunk[65536];
+  while (file.read(chunk, sizeof(chunk)) || file.gcount() > 0) {
+    data.append(chunk, static_cast<std::size_t>(file.gcount()));
+    if (data.size() > kMaxDescriptionBytes)
+      throw RUNTIME_EXCEPTION("The file '%s' is too large", path.c_str());
+  }
+  return data;
+}
+
+bool IsZip(const std::string& data) {
+  return data.compare(0, 4, "PK\x03\x04") == 0;
+}
+
+std::string Unzip(const std::string& data) {
+  if (!IsZip(data)) throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
+  const std::string packed = WithoutPadding(data);
+  const Archive archive = OpenArchive(packed);
+  const EntryFile file(zip_fopen_index(archive.get(), ChooseEntry(archive.get()), 0));
+  if (!file)
+    throw RUNTIME_EXCEPTION("The zipped description cannot be read: %s", zip_strerror(archive.get()));
+  std::string text;
+  char chunk[65536];
+  while (true) {
+    const zip_int64_t count = zip_fread(file.get(), chunk, sizeof(chunk));
+    if (count < 0)
+      throw RUNTIME_EXCEPTION("The zipped description is damaged: %s", zip_file_strerror(file.get()));
+    if (count == 0) return text;
+    // The size that the archive states may lie; what comes out counts.
+    if (text.size() + static_cast<std::size_t>(count) > kMaxDescriptionBytes)
+      throw RUNTIME_EXCEPTION("The zipped description unpacks to more than %zu bytes", kMaxDescriptionBytes);
+    text.append(chunk, static_cast<std::size_t>(count));
+  }
+}
+
+std::string ToCleanUtf8(std::string data) {
+  std::string_view text = data;
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
+  const std::size_t start = text.find_first_not_of(" \t\r\n");
+  text.remove_prefix(std::min(start, text.size()));
+  text = UpToRootEnd(text);
+  while (!text.empty() && text.back() == '\0') text.remove_suffix(1);
+  const bool isLatin1 = DeclaresLatin1(text);
+  if (!isLatin1 && IsUtf8(text)) return text.size() == data.size() ? std::move(data) : std::string(text);
+  return RepairUtf8(text, isLatin1);
+}
+
+}  // namespace zyn::genapi

@@ -1,0 +1,28 @@
+/// Gets the XML text of a description out of what devices and files hold.
+#ifndef ZYN_GENAPI_DESCRIPTION_SOURCETEXT_H
+#define ZYN_GENAPI_DESCRIPTION_SOURCETEXT_H
+
+#include <cstddef>
+#include <string>
+
+namespace zyn::genapi {
+
+/// Larger descriptions are refused, packed or not.
+constexpr std::size_t kMaxDescriptionBytes = std::size_t{64} << 20;
+
+/// The bytes of a file. Throws RuntimeException when it cannot be read.
+std::string ReadFile(const std::string& path);
+
+bool IsZip(const std::string& data);
+
+/// The first entry ending in .xml, else the first file. Throws RuntimeException for broken archives, and for
+/// entries that unpack to more than kMaxDescriptionBytes.
+std::string Unzip(const std::string& data);
+
+/// As UTF-8, without byte-order mark, leading white space, and whatever follows the root element. Bytes that
+/// are not UTF-8 are taken as Latin-1.
+std::string ToCleanUtf8(std::string data);
+
+}  // namespace zyn::genapi
+
+#endif

@@ -1,0 +1,389 @@
+#include "map/NodeMap.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "GenApi/ConcatenatedWrite.h"
+#include "GenApi/GenApiVersion.h"
+#include "map/NodeFactory.h"
+#include "nodes/Node.h"
+#include "nodes/PortNode.h"
+
+namespace zyn::genapi {
+namespace {
+
+gcstring Copy(const std::string& text) {
+  return {text.data(), text.size()};
+}
+
+bool TakePrefix(std::string_view& name, std::string_view prefix) {
+  if (name.substr(0, prefix.size()) != prefix) return false;
+  name.remove_prefix(prefix.size());
+  return true;
+}
+
+}  // namespace
+
+NodeMap::NodeMap(std::shared_ptr<const Description> description, std::string deviceName, CLock* lock)
+    : description_(std::move(description)),
+      deviceName_(std::move(deviceName)),
+      lock_(lock ? *lock : ownLock_),
+      nodes_(description_->nodes.size()),
+      closures_(description_->nodes.size()),
+      pollingElapsed_(description_->polled.size(), 0) {}
+
+NodeMap::~NodeMap() = default;
+
+Node& NodeMap::At(NodeId id) const {
+  std::unique_ptr<Node>& node = nodes_[id];
+  if (!node) node = MakeNode(const_cast<NodeMap&>(*this), id);
+  return *node;
+}
+
+void NodeMap::GetNodes(NodeList_t& Nodes) const {
+  const AutoLock lock(lock_);
+  Nodes.clear();
+  Nodes.reserve(nodes_.size());
+  for (NodeId id = 0; id < nodes_.size(); ++id) Nodes.push_back(&At(id));
+}
+
+INode* NodeMap::GetNode(const gcstring& Name) const {
+  std::string_view name(Name.c_str(), Name.size());
+  const bool standard = TakePrefix(name, "Std::");
+  const bool custom = !standard && TakePrefix(name, "Cust::");
+  const NodeId id = description_->FindNode(name);
+  if (id == kNoNode) return nullptr;
+  const ENameSpace own = description_->nodes[id].nameSpace;
+  if ((standard && own != Standard) || (custom && own != Custom)) return nullptr;
+  const AutoLock lock(lock_);
+  return &At(id);
+}
+
+uint64_t NodeMap::GetNumNodes() const {
+  return nodes_.size();
+}
+
+// Invalidation
+
+const std::vector<NodeId>& NodeMap::Closure(NodeId id) const {
+  if (closures_[id]) return *closures_[id];
+  auto closure = std::make_unique<std::vector<NodeId>>(1, id);
+  std::vector<bool> seen(nodes_.size(), false);
+  seen[id] = true;
+  for (std::size_t i = 0; i < closure->size(); ++i) {
+    for (const NodeId next : description_->affected.Of((*closure)[i])) {
+      if (seen[next]) continue;
+      seen[next] = true;
+      closure->push_back(next);
+    }
+  }
+  closures_[id] = std::move(closure);
+  return *closures_[id];
+}
+
+void NodeMap::InvalidateClosure(NodeId id) const {
+  for (const NodeId affected : Closure(id))
+    if (Node* const node = Existing(affected)) node->Forget(true);
+}
+
+void NodeMap::InvalidateNodes() const {
+  std::vector<CNodeCallback*> callbacks;
+  {
+    const AutoLock lock(lock_);
+    for (const auto& node : nodes_)
+      if (node) node->Forget(true);
+    CollectAllCallbacks(callbacks);
+    FireInside(callbacks);
+  }
+  FireOutside(callbacks);
+}
+
+void NodeMap::Poll(int64_t ElapsedTime) {
+  std::vector<CNodeCallback*> callbacks;
+  {
+    const AutoLock lock(lock_);
+    std::vector<NodeId> due;
+    for (std::size_t i = 0; i < description_->polled.size(); ++i) {
+      Node& node = At(description_->polled[i]);
+      if (!node.WantsPolling()) continue;
+      const NodeId blocker = node.Link(Element::pBlockPolling);
+      if (blocker != kNoNode && IsReadable(At(blocker).Access()) && At(blocker).IntegerValue({}) != 0)
+        continue;
+      pollingElapsed_[i] += ElapsedTime;
+      if (pollingElapsed_[i] < node.GetPollingTime()) continue;
+      pollingElapsed_[i] = 0;
+      due.push_back(node.Id());
+    }
+    if (due.empty()) return;
+    for (const NodeId id : due) InvalidateClosure(id);
+    CollectCallbacks(due, callbacks);
+    FireInside(callbacks);
+  }
+  FireOutside(callbacks);
+}
+
+// Callbacks
+
+bool NodeMap::ConsumeSuppression() const {
+  if (suppress_ == csmOff) return false;
+  if (suppress_ == csmOnce) suppress_ = csmOff;
+  return true;
+}
+
+void NodeMap::SetSuppressCallbackMode(ECallbackSuppressMode mode) {
+  const AutoLock lock(lock_);
+  suppress_ = mode;
+}
+
+void NodeMap::CollectCallbacks(const std::vector<NodeId>& changed,
+                               std::vector<CNodeCallback*>& callbacks) const {
+  if (ConsumeSuppression() || callbackCount_ == 0) return;
+  std::vector<bool> seen(nodes_.size(), false);
+  for (const NodeId id : changed) {
+    for (const NodeId affected : Closure(id)) {
+      if (seen[affected]) continue;
+      seen[affected] = true;
+      const Node* const node = Existing(affected);
+      if (node) callbacks.insert(callbacks.end(), node->Callbacks().begin(), node->Callbacks().end());
+    }
+  }
+}
+
+void NodeMap::CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const {
+  if (ConsumeSuppression() || callbackCount_ == 0) return;
+  for (const auto& node : nodes_)
+    if (node) callbacks.insert(callbacks.end(), node->Callbacks().begin(), node->Callbacks().end());
+}
+
+// A callback may end the registration of another one.
+bool NodeMap::IsRegistered(CNodeCallback* callback) const {
+  return std::any_of(nodes_.begin(), nodes_.end(), [callback](const std::unique_ptr<Node>& node) {
+    return node &&
+           std::find(node->Callbacks().begin(), node->Callbacks().end(), callback) != node->Callbacks().end();
+  });
+}
+
+void NodeMap::FireInside(const std::vector<CNodeCallback*>& callbacks) const {
+  for (CNodeCallback* const callback : callbacks)
+    if (IsRegistered(callback)) (*callback)(cbPostInsideLock);
+}
+
+void NodeMap::FireOutside(const std::vector<CNodeCallback*>& callbacks) const {
+  for (CNodeCallback* const callback : callbacks) {
+    bool registered = false;
+    {
+      const AutoLock lock(lock_);
+      registered = IsRegistered(callback);
+    }
+    if (registered) (*callback)(cbPostOutsideLock);
+  }
+}
+
+// Ports
+
+bool NodeMap::Connect(IPort* pPort, const gcstring& PortName) const {
+  const AutoLock lock(lock_);
+  const NodeId id = description_->FindNode({PortName.c_str(), PortName.size()});
+  if (id == kNoNode) return false;
+  auto* const port = dynamic_cast<PortNode*>(&At(id));
+  if (!port) return false;
+  port->Connect(pPort);
+  return true;
+}
+
+bool NodeMap::Connect(IPort* pPort) const {
+  return Connect(pPort, "Device");
+}
+
+bool NodeMap::Connect(IPortStacked* pPort, const gcstring& PortName) {
+  return Connect(static_cast<IPort*>(pPort), PortName);
+}
+
+bool NodeMap::Connect(IPortStacked* pPort) {
+  return Connect(static_cast<IPort*>(pPort));
+}
+
+// Formulas and lists of writes
+
+bool NodeMap::ParseSwissKnifes(gcstring_vector* pErrorList) const {
+  const AutoLock lock(lock_);
+  if (pErrorList) pErrorList->clear();
+  bool allGood = true;
+  for (NodeId id = 0; id < nodes_.size(); ++id) {
+    try {
+      At(id).CompileFormulas();
+    } catch (const GENICAM_NAMESPACE::GenericException& error) {
+      allGood = false;
+      if (pErrorList) pErrorList->push_back(error.GetDescription());
+    }
+  }
+  return allGood;
+}
+
+CNodeWriteConcatenator* NodeMap::NewNodeWriteConcatenator() const {
+  return new CNodeWriteConcatenator;
+}
+
+bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool,
+                                gcstring_vector* pErrorList) {
+  if (!pConcatenatedWrite) throw INVALID_ARGUMENT_EXCEPTION("A null list of writes cannot be written.");
+  const AutoLock lock(lock_);
+  if (pErrorList) pErrorList->clear();
+  bool allGood = true;
+  for (size_t i = 0; i < pConcatenatedWrite->Names().size(); ++i) {
+    const gcstring& name = pConcatenatedWrite->Names()[i];
+    try {
+      auto* const value = dynamic_cast<IValue*>(GetNode(name));
+      if (!value) throw INVALID_ARGUMENT_EXCEPTION("Error while writing node: '%s' not found", name.c_str());
+      value->FromString(pConcatenatedWrite->Values()[i]);
+    } catch (const GENICAM_NAMESPACE::GenericException& error) {
+      allGood = false;
+      if (pErrorList) pErrorList->push_back(error.what());
+    }
+  }
+  return allGood;
+}
+
+// Facts
+
+gcstring NodeMap::GetDeviceName() {
+  return Copy(deviceName_);
+}
+gcstring NodeMap::GetModelName() {
+  return Copy(description_->facts.modelName);
+}
+gcstring NodeMap::GetVendorName() {
+  return Copy(description_->facts.vendorName);
+}
+gcstring NodeMap::GetToolTip() {
+  return Copy(description_->facts.toolTip);
+}
+gcstring NodeMap::GetStandardNameSpace() {
+  return Copy(description_->facts.standardNameSpace);
+}
+gcstring NodeMap::GetProductGuid() {
+  return Copy(description_->facts.productGuid);
+}
+gcstring NodeMap::GetVersionGuid() {
+  return Copy(description_->facts.versionGuid);
+}
+void NodeMap::GetSchemaVersion(Version_t& Version) {
+  Version = description_->facts.schemaVersion;
+}
+void NodeMap::GetDeviceVersion(Version_t& Version) {
+  Version = description_->facts.deviceVersion;
+}
+
+void NodeMap::GetGenApiVersion(Version_t& Version, uint16_t& Build) {
+  Version = {GENAPI_VERSION_MAJOR, GENAPI_VERSION_MINOR, GENAPI_VERSION_SUBMINOR};
+  Build = GENAPI_VERSION_BUILD;
+}
+
+void NodeMap::Destroy() {
+  delete this;
+}
+
+UserData_t NodeMap::GetUserData() const {
+  const AutoLock lock(lock_);
+  return userData_;
+}
+
+UserData_t NodeMap::SetUserData(UserData_t pUserData) {
+  const AutoLock lock(lock_);
+  return std::exchange(userData_, pUserData);
+}
+
+// Calls
+
+std::string NodeMap::EntryPoint() const {
+  if (!entryNode_ || !entryMethod_) return {};
+  return std::string(XmlName(entryNode_->Kind())) + "." + entryMethod_ + "()";
+}
+
+Call::Call(const Node& node, const char* method) : map_(node.Map()) {
+  map_.lock_.Lock();
+  if (map_.callDepth_++ > 0) return;
+  map_.entryNode_ = &node;
+  map_.entryMethod_ = method;
+}
+
+Call::~Call() {
+  if (--map_.callDepth_ == 0) map_.entryNode_ = nullptr;
+  map_.lock_.Unlock();
+}
+
+DepthGuard::DepthGuard(const Node& node) : map_(node.Map()) {
+  constexpr int kMaxDepth = 128;
+  if (map_.evaluationDepth_ >= kMaxDepth)
+    node.Throw<GENICAM_NAMESPACE::RuntimeException>("RuntimeException",
+                                                    "Nodes read through each other too deeply at %s",
+                                                    map_.Facts().Label(node.Id()).c_str());
+  ++map_.evaluationDepth_;
+}
+
+WriteCall::WriteCall(Node& node, const char* method)
+    : node_(node), map_(node.Map()), outer_([&] {
+        map_.lock_.Lock();
+        return map_.write_;
+      }()) {
+  map_.write_ = this;
+  if (map_.callDepth_++ > 0) return;
+  map_.entryNode_ = &node;
+  map_.entryMethod_ = method;
+}
+
+WriteCall::~WriteCall() {
+  if (!held_) return;
+  if (!committed_)
+    for (const NodeId id : written_) map_.InvalidateClosure(id);
+  Release();
+}
+
+void WriteCall::Release() {
+  held_ = false;
+  map_.write_ = outer_;
+  if (--map_.callDepth_ == 0) map_.entryNode_ = nullptr;
+  map_.lock_.Unlock();
+}
+
+void WriteCall::MarkWritten(const Node& node) {
+  WriteCall* const write = node.Map().write_;
+  if (write && !write->IsWritten(node.Id())) write->written_.push_back(node.Id());
+}
+
+void WriteCall::MarkSibling(NodeMap& map, NodeId node) {
+  if (map.write_) map.write_->siblings_.push_back(node);
+}
+
+bool WriteCall::IsWritten(NodeId id) const {
+  return std::find(written_.begin(), written_.end(), id) != written_.end();
+}
+
+void WriteCall::Settle() {
+  for (const NodeId id : written_) {
+    for (const NodeId affected : map_.Closure(id)) {
+      if (IsWritten(affected)) continue;
+      if (Node* const node = map_.Existing(affected)) node->Forget(true);
+    }
+  }
+  for (const NodeId id : siblings_) {
+    for (const NodeId affected : map_.Closure(id)) {
+      if (IsWritten(affected)) continue;
+      if (Node* const node = map_.Existing(affected)) node->Forget(false);
+    }
+  }
+}
+
+void WriteCall::Commit(bool checkError) {
+  Settle();
+  committed_ = true;
+  if (checkError) node_.CheckError();
+  std::vector<CNodeCallback*> callbacks;
+  map_.CollectCallbacks(written_, callbacks);
+  map_.FireInside(callbacks);
+  NodeMap& map = map_;
+  Release();
+  map.FireOutside(callbacks);
+}
+
+}  // namespace zyn::genapi

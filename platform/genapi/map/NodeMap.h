@@ -1,0 +1,176 @@
+/// The runtime's node map.
+#ifndef ZYN_GENAPI_MAP_NODEMAP_H
+#define ZYN_GENAPI_MAP_NODEMAP_H
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "GenApi/GenApi.h"
+#include "description/Description.h"
+
+namespace zyn::genapi {
+
+using GENICAM_NAMESPACE::gcstring;
+using GENICAM_NAMESPACE::gcstring_vector;
+using namespace GENAPI_NAMESPACE;
+
+class Node;
+class PortNode;
+class WriteCall;
+
+/// One device's nodes over a shared description. A node object is made when it is first asked for.
+/// Everything that is not part of a public interface is called with the lock held.
+class NodeMap final : public INodeMap, public IDeviceInfo, public IDestroy, public IUserData {
+ public:
+  /// `lock` is borrowed when given, else the map has its own.
+  NodeMap(std::shared_ptr<const Description> description, std::string deviceName, CLock* lock);
+  ~NodeMap() override;
+  NodeMap(const NodeMap&) = delete;
+  NodeMap& operator=(const NodeMap&) = delete;
+
+  void GetNodes(NodeList_t& Nodes) const override;
+  INode* GetNode(const gcstring& Name) const override;
+  void InvalidateNodes() const override;
+  bool Connect(IPort* pPort, const gcstring& PortName) const override;
+  bool Connect(IPort* pPort) const override;
+  bool Connect(IPortStacked* pPort, const gcstring& PortName) override;
+  bool Connect(IPortStacked* pPort) override;
+  gcstring GetDeviceName() override;
+  void Poll(int64_t ElapsedTime) override;
+  CLock& GetLock() const override { return lock_; }
+  uint64_t GetNumNodes() const override;
+  bool ParseSwissKnifes(gcstring_vector* pErrorList) const override;
+  CNodeWriteConcatenator* NewNodeWriteConcatenator() const override;
+  bool ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool featureStreaming,
+                         gcstring_vector* pErrorList) override;
+  void SetSuppressCallbackMode(ECallbackSuppressMode mode) override;
+
+  gcstring GetModelName() override;
+  gcstring GetVendorName() override;
+  gcstring GetToolTip() override;
+  gcstring GetStandardNameSpace() override;
+  void GetGenApiVersion(Version_t& Version, uint16_t& Build) override;
+  void GetSchemaVersion(Version_t& Version) override;
+  void GetDeviceVersion(Version_t& Version) override;
+  gcstring GetProductGuid() override;
+  gcstring GetVersionGuid() override;
+
+  void Destroy() override;
+  UserData_t GetUserData() const override;
+  UserData_t SetUserData(UserData_t pUserData) override;
+
+  const Description& Facts() const { return *description_; }
+  const std::string& DeviceName() const { return deviceName_; }
+  Node& At(NodeId id) const;
+  /// Null when the node was never asked for: then it has no state either.
+  Node* Existing(NodeId id) const { return nodes_[id].get(); }
+
+  /// The node, and everything that changes with it, directly or not. Worked out once per node.
+  const std::vector<NodeId>& Closure(NodeId id) const;
+
+  /// Forgets the state of the node and of everything that changes with it.
+  void InvalidateClosure(NodeId id) const;
+
+  /// "Class.Method()" of the outermost call, for messages.
+  std::string EntryPoint() const;
+
+  void CountCallbacks(int change) const { callbackCount_ += change; }
+
+ private:
+  friend class Call;
+  friend class WriteCall;
+  friend class DepthGuard;
+
+  /// Nothing, when callbacks are suppressed or there are none.
+  void CollectCallbacks(const std::vector<NodeId>& changed, std::vector<CNodeCallback*>& callbacks) const;
+  bool ConsumeSuppression() const;
+  void FireInside(const std::vector<CNodeCallback*>& callbacks) const;
+  void FireOutside(const std::vector<CNodeCallback*>& callbacks) const;
+  bool IsRegistered(CNodeCallback* callback) const;
+  void CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const;
+
+  // Constant after construction.
+  const std::shared_ptr<const Description> description_;
+  const std::string deviceName_;
+  mutable CLock ownLock_;
+  CLock& lock_;
+
+  // Guarded by lock_, which is the client's type and carries no annotation.
+  mutable std::vector<std::unique_ptr<Node>> nodes_;
+  mutable std::vector<std::unique_ptr<std::vector<NodeId>>> closures_;
+  mutable const Node* entryNode_ = nullptr;
+  mutable const char* entryMethod_ = nullptr;
+  mutable int callDepth_ = 0;
+  mutable int evaluationDepth_ = 0;
+  mutable int callbackCount_ = 0;
+  mutable WriteCall* write_ = nullptr;
+  mutable ECallbackSuppressMode suppress_ = csmOff;
+  std::vector<int64_t> pollingElapsed_;
+  UserData_t userData_ = nullptr;
+
+ public:
+  /// Counts accesses to nodes whose access mode is being worked out; see Node::Access.
+  mutable unsigned accessLoops_ = 0;
+};
+
+/// One public call: holds the lock, and knows its name while it is the outermost one.
+class Call {
+ public:
+  Call(const Node& node, const char* method);
+  ~Call();
+  Call(const Call&) = delete;
+  Call& operator=(const Call&) = delete;
+
+ private:
+  NodeMap& map_;
+};
+
+/// Bounds how deep nodes may read through each other, so that no description exhausts the stack.
+class DepthGuard {
+ public:
+  explicit DepthGuard(const Node& node);
+  ~DepthGuard() { --map_.evaluationDepth_; }
+  DepthGuard(const DepthGuard&) = delete;
+  DepthGuard& operator=(const DepthGuard&) = delete;
+
+ private:
+  const NodeMap& map_;
+};
+
+/// One public call that changes something. Commit() brings caches up to date and fires callbacks; without it,
+/// after an exception, everything touched is forgotten.
+class WriteCall {
+ public:
+  WriteCall(Node& node, const char* method);
+  ~WriteCall();
+  WriteCall(const WriteCall&) = delete;
+  WriteCall& operator=(const WriteCall&) = delete;
+
+  /// With checkError the node's error registers are read before callbacks fire.
+  void Commit(bool checkError);
+  /// Ends a call that turned out to change nothing.
+  void CommitNothing() { committed_ = true; }
+
+  /// A node that this call writes; its value stays valid.
+  static void MarkWritten(const Node& node);
+  /// A register that lies at the same place as a written one: what was computed from it is stale.
+  static void MarkSibling(NodeMap& map, NodeId node);
+
+ private:
+  void Settle();
+  bool IsWritten(NodeId id) const;
+  void Release();
+
+  Node& node_;
+  NodeMap& map_;
+  WriteCall* const outer_;
+  std::vector<NodeId> written_;
+  std::vector<NodeId> siblings_;
+  bool held_ = true;
+  bool committed_ = false;
+};
+
+}  // namespace zyn::genapi
+
+#endif

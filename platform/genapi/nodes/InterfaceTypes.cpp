@@ -1,0 +1,66 @@
+#include "nodes/InterfaceTypes.h"
+
+#include <sstream>
+
+namespace zyn::genapi {
+
+using namespace GENAPI_NAMESPACE;
+
+EInterfaceType InterfaceTypeOf(NodeKind kind) {
+  switch (kind) {
+    case NodeKind::category:
+      return intfICategory;
+    case NodeKind::integer:
+    case NodeKind::intReg:
+    case NodeKind::maskedIntReg:
+    case NodeKind::intConverter:
+    case NodeKind::intSwissKnife:
+      return intfIInteger;
+    case NodeKind::boolean:
+      return intfIBoolean;
+    case NodeKind::command:
+      return intfICommand;
+    case NodeKind::enumeration:
+      return intfIEnumeration;
+    case NodeKind::enumEntry:
+      return intfIEnumEntry;
+    case NodeKind::floating:
+    case NodeKind::floatReg:
+    case NodeKind::converter:
+    case NodeKind::swissKnife:
+      return intfIFloat;
+    case NodeKind::string:
+    case NodeKind::stringReg:
+      return intfIString;
+    case NodeKind::reg:
+      return intfIRegister;
+    case NodeKind::port:
+      return intfIPort;
+    case NodeKind::node:
+      return intfIValue;
+  }
+  return intfIBase;
+}
+
+std::string PropertyText(const Description& description, NodeKind kind, const Property& property) {
+  switch (LexicalOf(property.element, kind)) {
+    case Lexical::integer:
+      return std::to_string(property.number);
+    case Lexical::truth:
+      return property.number ? "true" : "false";
+    case Lexical::word:
+      return WordText(property.element, property.number);
+    case Lexical::inner:
+      return std::string(description.Name(property.Target()));
+    case Lexical::real: {
+      std::ostringstream text;
+      text.precision(17);
+      text << property.Real();
+      return text.str();
+    }
+    default:
+      return std::string(description.Text(property.text));
+  }
+}
+
+}  // namespace zyn::genapi
