@@ -1,0 +1,207 @@
+#include "AravisStream.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "FrameTranslation.h"
+#include "GlibError.h"
+
+namespace zyn::aravis {
+namespace {
+
+using std::chrono::milliseconds;
+
+// The frame in progress gets this long to complete when an acquisition is stopped gently.
+constexpr milliseconds kLastFramePatience{1000};
+// Telling the camera that its stream is over takes a millisecond; a camera that vanished just now is not waited for.
+constexpr milliseconds kGoodbyePatience{500};
+
+}  // namespace
+
+AravisStream::AravisStream(DeviceLink& link, Disposer& disposer, producer::StreamSink& sink)
+    : link_(link), disposer_(disposer), sink_(sink) {}
+
+AravisStream::~AravisStream() {
+  Stop(true);
+}
+
+producer::StreamTraits AravisStream::Traits() const {
+  producer::StreamTraits traits;
+  traits.takesAhead = true;
+  return traits;
+}
+
+void AravisStream::Start() {
+  if (link_.isLost) throw producer::Error(GenTL::GC_ERR_IO, link_.name + " is lost.");
+  payloadSize_ = ReadPayloadSize();
+  counter_ = {};
+  overflows_ = 0;
+  {
+    const MutexLock lock(mutex_);
+    begun_ = 0;
+    done_ = 0;
+    hasThreadEnded_ = false;
+  }
+  GlibPtr<ArvStream> stream = CreateStream();
+  {
+    const MutexLock lock(mutex_);
+    source_ = stream.get();
+    stream_ = std::move(stream);
+    isAccepting_ = true;
+  }
+  OnBuffersQueued();
+}
+
+GlibPtr<ArvStream> AravisStream::CreateStream() {
+  const MutexLock engine(link_.engineMutex);
+  GlibError error;
+  GlibPtr<ArvStream> stream(
+      arv_device_create_stream(link_.device.get(), &AravisStream::OnEvent, this, error.Out()));
+  if (!stream) error.Throw("The stream of " + link_.name + " cannot be opened");
+  // Without these the system's small default buffer loses most of a fast stream, and lost packets stay lost.
+  g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, "packet-resend",
+               ARV_GV_STREAM_PACKET_RESEND_ALWAYS, nullptr);
+  return stream;
+}
+
+// What libaravis does not tell about a frame, its whole size, can be compared with this.
+std::size_t AravisStream::ReadPayloadSize() {
+  const MutexLock engine(link_.engineMutex);
+  GlibError error;
+  const gint64 size = arv_device_get_integer_feature_value(link_.device.get(), "PayloadSize", error.Out());
+  return error || size < 0 ? 0 : static_cast<std::size_t>(size);
+}
+
+void AravisStream::OnBuffersQueued() {
+  const MutexLock lock(mutex_);
+  while (isAccepting_) {
+    producer::StreamBuffer* buffer = sink_.TakeQueued();
+    if (buffer == nullptr) return;
+    Entry& entry = EntryOf(*buffer);
+    entry.isInside = true;
+    arv_stream_push_buffer(stream_.get(), Share(entry.buffer.get()).release());
+  }
+}
+
+AravisStream::Entry& AravisStream::EntryOf(producer::StreamBuffer& buffer) {
+  if (buffer.backendData != nullptr) return *static_cast<Entry*>(buffer.backendData);
+  auto entry = std::make_unique<Entry>();
+  entry->owner = &buffer;
+  entry->buffer.reset(arv_buffer_new_full(buffer.Size(), buffer.Memory(), entry.get(), nullptr));
+  entries_.push_back(std::move(entry));
+  buffer.backendData = entries_.back().get();
+  return *entries_.back();
+}
+
+void AravisStream::OnBufferRevoked(producer::StreamBuffer& buffer) {
+  const MutexLock lock(mutex_);
+  std::erase_if(entries_, [&](const auto& entry) { return entry->owner == &buffer; });
+  buffer.backendData = nullptr;
+}
+
+void AravisStream::OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* buffer) {
+  auto& stream = *static_cast<AravisStream*>(self);
+  switch (type) {
+    case ARV_STREAM_CALLBACK_TYPE_INIT:
+      break;
+    case ARV_STREAM_CALLBACK_TYPE_START_BUFFER:
+      stream.OnFrameBegins(buffer);
+      break;
+    case ARV_STREAM_CALLBACK_TYPE_BUFFER_DONE:
+      stream.OnFrameDone(buffer);
+      break;
+    case ARV_STREAM_CALLBACK_TYPE_EXIT:
+      stream.OnThreadEnd();
+      break;
+  }
+}
+
+// Buffers reach libaravis with their entry as user data, so what it passes here is one of ours.
+void AravisStream::OnFrameBegins(ArvBuffer* buffer) {
+  if (buffer == nullptr) return;
+  {
+    const MutexLock lock(mutex_);
+    ++begun_;
+  }
+  const auto* entry = static_cast<const Entry*>(arv_buffer_get_user_data(buffer));
+  sink_.MarkStarted(*entry->owner);
+}
+
+void AravisStream::OnFrameDone(ArvBuffer* buffer) {
+  // The queue of finished buffers holds a reference; ours keeps the object alive.
+  const GlibPtr<ArvBuffer> finished(arv_stream_try_pop_buffer(source_));
+  if (buffer == nullptr) return;
+  auto* entry = const_cast<Entry*>(static_cast<const Entry*>(arv_buffer_get_user_data(buffer)));
+  {
+    const MutexLock lock(mutex_);
+    ++done_;
+    entry->isInside = false;
+    changed_.notify_all();
+  }
+  producer::StreamBuffer& owner = *entry->owner;
+  try {
+    producer::FrameInfo info = TranslateFrame(buffer, owner.Size(), payloadSize_, SawOverflow());
+    const FrameCounter::Step step = counter_.Next(arv_buffer_get_frame_id(buffer));
+    info.frameId = step.id;
+    if (step.lost > 0) sink_.CountUnderruns(step.lost);
+    sink_.Deliver(owner, std::move(info));
+  } catch (...) {  // no memory to describe the frame
+    sink_.GiveBack(owner);
+  }
+}
+
+// libaravis counts packets that did not fit, and says no more about them.
+bool AravisStream::SawOverflow() {
+  const std::uint64_t overflows = arv_stream_get_info_uint64_by_name(source_, "n_size_mismatch_errors");
+  const bool isMore = overflows != overflows_;
+  overflows_ = overflows;
+  return isMore;
+}
+
+void AravisStream::OnThreadEnd() {
+  const MutexLock lock(mutex_);
+  hasThreadEnded_ = true;
+  changed_.notify_all();
+}
+
+void AravisStream::Stop(bool kill) {
+  {
+    const MutexLock lock(mutex_);
+    isAccepting_ = false;
+    if (!stream_) return;
+  }
+  if (!kill && !link_.isLost) WaitForFramesInProgress();
+  GlibPtr<ArvStream> stream;
+  {
+    const MutexLock lock(mutex_);
+    stream = std::move(stream_);
+  }
+  // Giving up the stream ends its thread first, which hands over what it has begun, and tells the camera afterwards.
+  // Only the former is waited for in any case.
+  const Disposer::Ticket goodbye = disposer_.Dispose(std::move(stream));
+  WaitForThreadEnd();
+  GiveBackRest();
+  if (!link_.isLost) goodbye.Wait(kGoodbyePatience);
+}
+
+void AravisStream::WaitForFramesInProgress() {
+  const auto deadline = std::chrono::steady_clock::now() + kLastFramePatience;
+  MutexLock lock(mutex_);
+  const std::uint64_t begun = begun_;
+  while (done_ < begun && lock.WaitUntil(changed_, deadline)) {
+  }
+}
+
+void AravisStream::WaitForThreadEnd() {
+  MutexLock lock(mutex_);
+  while (!hasThreadEnded_) lock.Wait(changed_);
+}
+
+void AravisStream::GiveBackRest() {
+  const MutexLock lock(mutex_);
+  for (const auto& entry : entries_) {
+    if (std::exchange(entry->isInside, false)) sink_.GiveBack(*entry->owner);
+  }
+}
+
+}  // namespace zyn::aravis

@@ -1,0 +1,91 @@
+/// Receives frames through libaravis.
+#ifndef ZYN_ARAVIS_ARAVIS_STREAM_H
+#define ZYN_ARAVIS_ARAVIS_STREAM_H
+
+#include <arv.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Disposer.h"
+#include "FrameCounter.h"
+#include "GlibPtr.h"
+#include "ThreadAnnotations.h"
+#include "producer/Backend.h"
+
+namespace zyn::aravis {
+
+/// What a stream needs of its device. Owned by the device, which outlives its streams.
+struct DeviceLink {
+  std::string name;  ///< for messages
+  GlibPtr<ArvDevice> device;
+  std::atomic<bool> isLost{false};
+  /// libaravis' own feature engine bears one thread at a time.
+  Mutex engineMutex;
+};
+
+/// One acquisition after another, each with an ArvStream of its own, so that no packet of an earlier one comes up in a
+/// later one. Frames are handed over on libaravis' receiving thread, without a copy and without a further thread.
+class AravisStream final : public producer::Stream {
+ public:
+  AravisStream(DeviceLink& link, Disposer& disposer, producer::StreamSink& sink);
+  ~AravisStream() override;
+  AravisStream(const AravisStream&) = delete;
+  AravisStream& operator=(const AravisStream&) = delete;
+
+  producer::StreamTraits Traits() const override;
+  void Start() override;
+  void Stop(bool kill) override;
+  void OnBuffersQueued() override;
+  void OnBufferRevoked(producer::StreamBuffer& buffer) override;
+
+ private:
+  // libaravis' view of one announced buffer. Kept from its first use until the buffer is revoked.
+  struct Entry {
+    GlibPtr<ArvBuffer> buffer;
+    producer::StreamBuffer* owner = nullptr;
+    bool isInside = false;  // queued in the ArvStream, or being filled
+  };
+
+  static void OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* buffer);
+  void OnFrameBegins(ArvBuffer* buffer);
+  void OnFrameDone(ArvBuffer* buffer);
+  void OnThreadEnd();
+
+  GlibPtr<ArvStream> CreateStream();
+  std::size_t ReadPayloadSize();
+  Entry& EntryOf(producer::StreamBuffer& buffer) ZYN_REQUIRES(mutex_);
+  void WaitForFramesInProgress() ZYN_EXCLUDES(mutex_);
+  void WaitForThreadEnd() ZYN_EXCLUDES(mutex_);
+  void GiveBackRest() ZYN_EXCLUDES(mutex_);
+  bool SawOverflow();
+
+  // Constant after construction.
+  DeviceLink& link_;
+  Disposer& disposer_;
+  producer::StreamSink& sink_;
+
+  // Written by Start before the receiving thread has a buffer, afterwards used by that thread only.
+  std::size_t payloadSize_ = 0;
+  FrameCounter counter_;
+  std::uint64_t overflows_ = 0;
+
+  // Borrowed from stream_. The receiving thread uses it until its end, which the end of the object waits for.
+  ArvStream* source_ = nullptr;
+
+  Mutex mutex_;  // the sink's and libaravis' queues may be used under it, nothing that waits
+  std::condition_variable changed_;
+  GlibPtr<ArvStream> stream_ ZYN_GUARDED_BY(mutex_);  // null when stopped
+  std::vector<std::unique_ptr<Entry>> entries_ ZYN_GUARDED_BY(mutex_);
+  std::uint64_t begun_ ZYN_GUARDED_BY(mutex_) = 0;
+  std::uint64_t done_ ZYN_GUARDED_BY(mutex_) = 0;
+  bool hasThreadEnded_ ZYN_GUARDED_BY(mutex_) = true;
+  bool isAccepting_ ZYN_GUARDED_BY(mutex_) = false;
+};
+
+}  // namespace zyn::aravis
+
+#endif

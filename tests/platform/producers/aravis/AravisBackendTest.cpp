@@ -1,0 +1,492 @@
+// The backend alone, without the C interface: what libaravis does beneath it, and for how long.
+
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cstring>
+#include <deque>
+#include <future>
+#include <list>
+
+#include "AravisBackend.h"
+#include "FakeCamera.h"
+#include "ThreadAnnotations.h"
+#include "gige/RegisterClient.h"
+
+namespace zyn::aravis {
+namespace {
+
+using namespace GenTL;
+using producer::FrameInfo;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+using test::FakeCamera;
+
+constexpr std::uint64_t kAcquisition = 0x124;  // the fake camera's register: 1 starts, 0 stops
+constexpr std::uint64_t kFramePeriod = 0x138;  // microseconds
+constexpr std::uint64_t kWidth = 0x100;
+constexpr std::size_t kImageBytes = 512 * 512;
+
+class TestBuffer final : public producer::StreamBuffer {
+ public:
+  TestBuffer(std::uint8_t* memory, std::size_t size) : StreamBuffer(memory, size, nullptr) {}
+};
+
+// Queues of buffers, as the kit has them.
+class TestSink final : public producer::StreamSink {
+ public:
+  struct Delivery {
+    TestBuffer* buffer;
+    FrameInfo info;
+  };
+
+  TestBuffer& Announce(std::size_t size) {
+    memory_.emplace_back(size);
+    buffers_.emplace_back(memory_.back().data(), size);
+    Queue(buffers_.back());
+    return buffers_.back();
+  }
+
+  void Queue(TestBuffer& buffer) {
+    const MutexLock lock(mutex_);
+    queued_.push_back(&buffer);
+  }
+
+  // Empty when none comes in time.
+  std::optional<Delivery> Wait(milliseconds patience) {
+    const auto deadline = steady_clock::now() + patience;
+    MutexLock lock(mutex_);
+    while (delivered_.empty() && lock.WaitUntil(changed_, deadline)) {
+    }
+    if (delivered_.empty()) return std::nullopt;
+    Delivery delivery = std::move(delivered_.front());
+    delivered_.pop_front();
+    return delivery;
+  }
+
+  std::size_t Taken() {
+    const MutexLock lock(mutex_);
+    return taken_;
+  }
+  std::uint64_t Underruns() {
+    const MutexLock lock(mutex_);
+    return underruns_;
+  }
+  void Revoke(producer::Stream& stream) {
+    for (TestBuffer& buffer : buffers_) {
+      if (buffer.backendData != nullptr) stream.OnBufferRevoked(buffer);
+      EXPECT_EQ(buffer.backendData, nullptr);
+    }
+  }
+
+  producer::StreamBuffer* TakeQueued() override {
+    const MutexLock lock(mutex_);
+    if (queued_.empty()) return nullptr;
+    TestBuffer* buffer = queued_.front();
+    queued_.pop_front();
+    ++taken_;
+    return buffer;
+  }
+  producer::StreamBuffer* TakeForFrame() override { return TakeQueued(); }
+  void MarkStarted(producer::StreamBuffer&) override {
+    const MutexLock lock(mutex_);
+    ++started_;
+    changed_.notify_all();
+  }
+  void Deliver(producer::StreamBuffer& buffer, FrameInfo&& info) override {
+    const MutexLock lock(mutex_);
+    --taken_;
+    delivered_.push_back({static_cast<TestBuffer*>(&buffer), std::move(info)});
+    changed_.notify_all();
+  }
+  void GiveBack(producer::StreamBuffer& buffer) override {
+    const MutexLock lock(mutex_);
+    --taken_;
+    queued_.push_back(static_cast<TestBuffer*>(&buffer));
+  }
+  void CountUnderruns(std::uint64_t frames) override {
+    const MutexLock lock(mutex_);
+    underruns_ += frames;
+  }
+  void ReportError(GC_ERROR, const std::string&) override {}
+
+ private:
+  std::list<std::vector<std::uint8_t>> memory_;
+  std::list<TestBuffer> buffers_;
+  Mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<TestBuffer*> queued_ ZYN_GUARDED_BY(mutex_);
+  std::deque<Delivery> delivered_ ZYN_GUARDED_BY(mutex_);
+  std::size_t taken_ ZYN_GUARDED_BY(mutex_) = 0;
+  std::uint64_t started_ ZYN_GUARDED_BY(mutex_) = 0;
+  std::uint64_t underruns_ ZYN_GUARDED_BY(mutex_) = 0;
+};
+
+class TestListener final : public producer::DeviceListener {
+ public:
+  void OnLost(const std::string& text) override { lost_.set_value(text); }
+  void OnRemoteEvent(std::uint64_t, const void*, std::size_t) override {}
+  void OnFeatureInvalidated(const std::string&) override {}
+  void OnError(GC_ERROR, const std::string&) override {}
+
+  std::future<std::string>& Lost() { return future_; }
+
+ private:
+  std::promise<std::string> lost_;
+  std::future<std::string> future_ = lost_.get_future();
+};
+
+std::size_t CountEntries(const char* directory) {
+  DIR* handle = opendir(directory);
+  std::size_t count = 0;
+  while (readdir(handle) != nullptr) ++count;
+  closedir(handle);
+  return count;
+}
+
+std::uint32_t Word(const std::uint8_t* bytes) {
+  return static_cast<std::uint32_t>(bytes[0]) << 24U | static_cast<std::uint32_t>(bytes[1]) << 16U |
+         static_cast<std::uint32_t>(bytes[2]) << 8U | bytes[3];
+}
+
+void WriteWord(producer::Device& device, std::uint64_t address, std::uint32_t value) {
+  const std::array<std::uint8_t, 4> bytes{
+      static_cast<std::uint8_t>(value >> 24U), static_cast<std::uint8_t>(value >> 16U),
+      static_cast<std::uint8_t>(value >> 8U), static_cast<std::uint8_t>(value)};
+  device.Write(address, bytes.data(), bytes.size());
+}
+
+std::uint32_t ReadWord(producer::Device& device, std::uint64_t address) {
+  std::array<std::uint8_t, 4> bytes{};
+  device.Read(address, bytes.data(), bytes.size());
+  return Word(bytes.data());
+}
+
+class AravisBackendTest : public testing::Test {
+ protected:
+  AravisBackendTest() {
+    for (const auto& info : backend_.FindInterfaces(milliseconds(100))) {
+      if (info.displayName == "lo") interface_ = backend_.OpenInterface(info);
+    }
+  }
+
+  producer::DeviceInfo Find(const std::string& serial) {
+    for (auto& info : interface_->FindDevices(milliseconds(1000))) {
+      if (info.serialNumber == serial) return info;
+    }
+    throw std::runtime_error("camera not found: " + serial);
+  }
+
+  std::unique_ptr<producer::Device> Open(producer::Access access = producer::Access::control) {
+    listener_ = std::make_unique<TestListener>();
+    return interface_->OpenDevice(Find("GV01"), access, *listener_);
+  }
+
+  template <class Call>
+  static GC_ERROR CodeOf(const Call& call) {
+    try {
+      call();
+      return GC_ERR_SUCCESS;
+    } catch (const producer::Error& error) {
+      return error.Code();
+    }
+  }
+
+  FakeCamera camera_{"127.0.0.1", "GV01"};
+  AravisBackend backend_;
+  std::unique_ptr<producer::Interface> interface_;
+  std::unique_ptr<TestListener> listener_;
+};
+
+TEST_F(AravisBackendTest, FindsTheCamerasOfAnAdapterWithAllTheirTexts) {
+  const FakeCamera second("127.0.0.2", "GV02");
+  const auto devices = interface_->FindDevices(milliseconds(1000));
+  ASSERT_EQ(devices.size(), 2U);
+  EXPECT_EQ(devices[0].id, "GV01");
+  EXPECT_EQ(devices[0].serialNumber, "GV01");
+  EXPECT_EQ(devices[0].tlType, "GEV");
+  EXPECT_FALSE(devices[0].vendor.empty());
+  EXPECT_FALSE(devices[0].model.empty());
+  EXPECT_EQ(devices[0].accessStatus, DEVICE_ACCESS_STATUS_READWRITE);
+  EXPECT_EQ(devices[0].gev->address, 0x7F000001U);
+  EXPECT_EQ(devices[1].id, "GV02");
+  EXPECT_EQ(devices[1].gev->address, 0x7F000002U);
+}
+
+TEST_F(AravisBackendTest, DescriptionAndRegistersAreReachable) {
+  const auto device = Open();
+  const auto traits = device->Traits();
+  EXPECT_TRUE(traits.bigEndian);
+  ASSERT_EQ(traits.xml.size(), 1U);
+  EXPECT_EQ(traits.xml.front().url.find("local:arv-fake-camera.xml;"), 0U);
+  EXPECT_EQ(traits.streamIds.size(), 1U);
+  std::string xml(64, '\0');
+  device->Read(0x10000, xml.data(), xml.size());
+  EXPECT_EQ(xml.find("<?xml"), 0U);
+
+  WriteWord(*device, kWidth, 256);
+  EXPECT_EQ(ReadWord(*device, kWidth), 256U);
+  const std::uint8_t lowByte = 0x40;
+  device->Write(kWidth + 3, &lowByte, 1);
+  EXPECT_EQ(ReadWord(*device, kWidth), 320U) << "the other bytes stay";
+  device->SetUserDefinedName("bench");
+  EXPECT_EQ(Find("GV01").userDefinedName, "bench");
+  EXPECT_EQ(CodeOf([&] { device->SetUserDefinedName("sixteen letters!"); }), GC_ERR_INVALID_VALUE);
+}
+
+TEST_F(AravisBackendTest, StreamsInOrderWithTheRightPixels) {
+  const auto device = Open();
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  for (int i = 0; i < 8; ++i) sink.Announce(kImageBytes);
+  WriteWord(*device, kFramePeriod, 10'000);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  std::uint64_t last = 0;
+  for (int i = 0; i < 200; ++i) {
+    auto delivery = sink.Wait(seconds(5));
+    ASSERT_TRUE(delivery) << i;
+    const FrameInfo& info = delivery->info;
+    EXPECT_FALSE(info.incomplete);
+    EXPECT_FALSE(info.largerThanBuffer);
+    EXPECT_EQ(info.sizeFilled, kImageBytes);
+    EXPECT_EQ(info.payloadType, PAYLOAD_TYPE_IMAGE);
+    EXPECT_TRUE(info.imagePresent);
+    EXPECT_EQ(info.width, 512U);
+    EXPECT_EQ(info.height, 512U);
+    EXPECT_EQ(info.deliveredHeight, 512U);
+    EXPECT_EQ(info.pixelFormat, 0x01080001U);
+    EXPECT_GT(info.timestampNs, 0U);
+    EXPECT_EQ(info.frameId, i == 0 ? info.frameId : last + 1);
+    last = info.frameId;
+    // A diagonal pattern: each row is the row above moved by one.
+    const std::uint8_t* pixels = delivery->buffer->Memory();
+    for (int row = 1; row < 512; row += 37) {
+      ASSERT_EQ(std::memcmp(pixels + row * 512, pixels + (row - 1) * 512 + 1, 511), 0)
+          << "frame " << i << " row " << row;
+    }
+    sink.Queue(*delivery->buffer);
+    stream->OnBuffersQueued();
+  }
+  EXPECT_GT(last, 65535U) << "the camera's 16-bit numbers have wrapped meanwhile";
+  EXPECT_EQ(sink.Underruns(), 0U);
+  WriteWord(*device, kAcquisition, 0);
+  stream->Stop(false);
+  EXPECT_EQ(sink.Taken(), 0U);
+  sink.Revoke(*stream);
+}
+
+TEST_F(AravisBackendTest, ABufferThatIsTooSmallIsMarked) {
+  const auto device = Open();
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  for (int i = 0; i < 4; ++i) sink.Announce(kImageBytes - 100);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  const auto delivery = sink.Wait(seconds(5));
+  ASSERT_TRUE(delivery);
+  EXPECT_TRUE(delivery->info.largerThanBuffer);
+  EXPECT_TRUE(delivery->info.incomplete);
+  EXPECT_LE(delivery->info.sizeFilled, kImageBytes - 100);
+  EXPECT_GE(delivery->info.dataSize, kImageBytes);
+  stream->Stop(true);
+}
+
+TEST_F(AravisBackendTest, ABufferThatIsTooLargeIsFine) {
+  const auto device = Open();
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  sink.Announce(kImageBytes * 2);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  const auto delivery = sink.Wait(seconds(5));
+  ASSERT_TRUE(delivery);
+  EXPECT_FALSE(delivery->info.incomplete);
+  EXPECT_EQ(delivery->info.sizeFilled, kImageBytes);
+  stream->Stop(true);
+}
+
+TEST_F(AravisBackendTest, FramesWithoutABufferAreCounted) {
+  const auto device = Open();
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  TestBuffer& only = sink.Announce(kImageBytes);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  const auto first = sink.Wait(seconds(5));
+  ASSERT_TRUE(first);
+  // Frames pass by as long as nobody queues the buffer; the camera's own clock tells that some have.
+  std::this_thread::sleep_for(milliseconds(300));
+  sink.Queue(only);
+  stream->OnBuffersQueued();
+  const auto second = sink.Wait(seconds(5));
+  ASSERT_TRUE(second);
+  EXPECT_GT(sink.Underruns(), 0U);
+  EXPECT_EQ(second->info.frameId - first->info.frameId, sink.Underruns() + 1);
+  stream->Stop(true);
+}
+
+TEST_F(AravisBackendTest, StoppingInTheMiddleReturnsEveryBuffer) {
+  for (const bool kill : {false, true, false, true}) {
+    const auto device = Open();
+    TestSink sink;
+    const auto stream = device->OpenStream(0, sink);
+    for (int i = 0; i < 4; ++i) sink.Announce(kImageBytes);
+    stream->Start();
+    WriteWord(*device, kAcquisition, 1);
+    auto delivery = sink.Wait(seconds(5));
+    ASSERT_TRUE(delivery);
+    sink.Queue(*delivery->buffer);
+    stream->OnBuffersQueued();
+    stream->Stop(kill);  // while the camera goes on sending
+    EXPECT_EQ(sink.Taken(), 0U);
+    while ((delivery = sink.Wait(milliseconds(0)))) sink.Queue(*delivery->buffer);
+    stream->OnBuffersQueued();
+    EXPECT_EQ(sink.Taken(), 0U) << "a stopped stream takes nothing";
+    WriteWord(*device, kAcquisition, 0);
+  }
+}
+
+TEST_F(AravisBackendTest, AStreamStartsAgainAndAgain) {
+  const auto device = Open();
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  for (int i = 0; i < 4; ++i) sink.Announce(kImageBytes);
+  for (int round = 0; round < 4; ++round) {
+    stream->Start();
+    // This camera sends to where the stream went when it began: it must have ended the last one by now.
+    WriteWord(*device, kAcquisition, 1);
+    ASSERT_TRUE(sink.Wait(seconds(5))) << round;
+    WriteWord(*device, kAcquisition, 0);
+    std::optional<TestSink::Delivery> rest;
+    while ((rest = sink.Wait(milliseconds(150)))) sink.Queue(*rest->buffer);
+    stream->Stop(false);
+    EXPECT_EQ(sink.Taken(), 0U);
+  }
+}
+
+TEST_F(AravisBackendTest, ASecondControllerIsRefusedAtOnce) {
+  const auto device = Open();
+  EXPECT_EQ(Find("GV01").accessStatus, DEVICE_ACCESS_STATUS_BUSY);
+  TestListener listener;
+  const auto start = steady_clock::now();
+  EXPECT_EQ(CodeOf([&] { interface_->OpenDevice(Find("GV01"), producer::Access::control, listener); }),
+            GC_ERR_ACCESS_DENIED);
+  EXPECT_EQ(CodeOf([&] { interface_->OpenDevice(Find("GV01"), producer::Access::exclusive, listener); }),
+            GC_ERR_ACCESS_DENIED);
+  EXPECT_LT(steady_clock::now() - start, seconds(2));
+}
+
+TEST_F(AravisBackendTest, WatchingAControlledCameraIsPossible) {
+  const auto device = Open();
+  WriteWord(*device, kWidth, 128);
+  TestListener listener;
+  const auto observer = interface_->OpenDevice(Find("GV01"), producer::Access::readOnly, listener);
+  EXPECT_EQ(ReadWord(*observer, kWidth), 128U);
+  EXPECT_EQ(CodeOf([&] { WriteWord(*observer, kWidth, 64); }), GC_ERR_ACCESS_DENIED);
+  EXPECT_TRUE(observer->Traits().streamIds.empty());
+  EXPECT_EQ(ReadWord(*device, kWidth), 128U);
+}
+
+TEST_F(AravisBackendTest, ExclusiveAccessIsTakenAndGivenBack) {
+  auto device = Open(producer::Access::exclusive);
+  EXPECT_EQ(ReadWord(*device, 0x0A00), 1U);
+  device.reset();
+  EXPECT_EQ(Find("GV01").accessStatus, DEVICE_ACCESS_STATUS_READWRITE);
+}
+
+TEST_F(AravisBackendTest, AnAbsentCameraFailsQuickly) {
+  const auto info = Find("GV01");
+  camera_.Kill();
+  TestListener listener;
+  const auto start = steady_clock::now();
+  EXPECT_EQ(CodeOf([&] { interface_->OpenDevice(info, producer::Access::control, listener); }), GC_ERR_IO);
+  EXPECT_LT(steady_clock::now() - start, seconds(1));
+}
+
+TEST_F(AravisBackendTest, AFrozenCameraFailsQuickly) {
+  const auto info = Find("GV01");
+  camera_.Freeze();
+  TestListener listener;
+  const auto start = steady_clock::now();
+  EXPECT_EQ(CodeOf([&] { interface_->OpenDevice(info, producer::Access::control, listener); }),
+            GC_ERR_TIMEOUT);
+  EXPECT_LT(steady_clock::now() - start, milliseconds(1500));
+}
+
+TEST_F(AravisBackendTest, AKilledCameraIsLostClosesAtOnceAndComesBack) {
+  auto device = Open();
+  TestSink sink;
+  auto stream = device->OpenStream(0, sink);
+  for (int i = 0; i < 4; ++i) sink.Announce(kImageBytes);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  ASSERT_TRUE(sink.Wait(seconds(5)));
+  camera_.Kill();
+  ASSERT_EQ(listener_->Lost().wait_for(seconds(3)), std::future_status::ready);
+  EXPECT_EQ(CodeOf([&] { ReadWord(*device, kWidth); }), GC_ERR_IO);
+
+  const auto start = steady_clock::now();
+  stream->Stop(true);
+  EXPECT_EQ(sink.Taken(), 0U);
+  stream.reset();
+  device.reset();
+  EXPECT_LT(steady_clock::now() - start, milliseconds(700)) << "nobody waits for a dead camera";
+
+  camera_.Restart();
+  device = Open();
+  TestSink fresh;
+  stream = device->OpenStream(0, fresh);
+  for (int i = 0; i < 4; ++i) fresh.Announce(kImageBytes);
+  stream->Start();
+  WriteWord(*device, kAcquisition, 1);
+  EXPECT_TRUE(fresh.Wait(seconds(5)));
+  stream->Stop(true);
+}
+
+TEST_F(AravisBackendTest, ClosingACameraThatVanishedUnnoticedDoesNotWaitForIt) {
+  auto device = Open();
+  camera_.Freeze();
+  const auto start = steady_clock::now();
+  device.reset();
+  EXPECT_LT(steady_clock::now() - start, seconds(2));
+}
+
+TEST_F(AravisBackendTest, LostControlIsNoticed) {
+  const auto device = Open();
+  WriteWord(*device, 0x0A00, 0);  // as if the camera had given our control up
+  EXPECT_EQ(listener_->Lost().wait_for(seconds(3)), std::future_status::ready);
+}
+
+TEST_F(AravisBackendTest, RoundsOfOpeningAndStreamingLeakNothing) {
+  const producer::DeviceInfo info = Find("GV01");
+  TestListener listener;
+  std::size_t threads = 0;
+  std::size_t files = 0;
+  for (int round = 0; round < 200; ++round) {
+    TestSink sink;
+    auto device = interface_->OpenDevice(info, producer::Access::control, listener);
+    auto stream = device->OpenStream(0, sink);
+    for (int i = 0; i < 3; ++i) sink.Announce(kImageBytes);
+    stream->Start();
+    WriteWord(*device, kAcquisition, 1);
+    ASSERT_TRUE(sink.Wait(seconds(5))) << round;
+    WriteWord(*device, kAcquisition, 0);
+    stream->Stop(true);
+    sink.Revoke(*stream);
+    stream.reset();
+    device.reset();
+    if (round == 20) {
+      threads = CountEntries("/proc/self/task");
+      files = CountEntries("/proc/self/fd");
+    }
+  }
+  EXPECT_LE(CountEntries("/proc/self/task"), threads + 1);
+  EXPECT_LE(CountEntries("/proc/self/fd"), files + 1);
+}
+
+}  // namespace
+}  // namespace zyn::aravis
