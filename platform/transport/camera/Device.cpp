@@ -114,8 +114,13 @@ int Device::OpenHandle(int accessMode) {
     error = TryOpen(accessMode, raw);
   }
   if (error != GenTL::GC_ERR_SUCCESS || !raw) return Explain(error);
-  handle_ = std::shared_ptr<void>(raw, [producer = producer_, parent = interface_->Handle(),
-                                        claim = claim_](void* device) { producer->DevClose(device); });
+  // What the deleter owns is let go of in it: weak pointers may keep the deleter itself much longer.
+  handle_ = std::shared_ptr<void>(
+      raw, [producer = producer_, parent = interface_->Handle(), claim = claim_](void* device) mutable {
+        producer->DevClose(device);
+        parent = nullptr;
+        claim = nullptr;
+      });
   if (accessMode == KELGENICAM::ACCESS_READ_ONLY) claim_->SetReadOnly();
   link_ = std::make_shared<DeviceLink>(producer_, handle_);
   return KELGENICAM::RESULT_OK;
