@@ -127,7 +127,7 @@ class Node : public INode, public ISelector, public IUserData {
     va_start(arguments, format);
     const std::string text = Format(format, arguments);
     va_end(arguments);
-    throw E(text.c_str(), "GenApi", static_cast<int>(Record().line), map_.EntryPoint().c_str(),
+    throw E(text.c_str(), "description", static_cast<int>(Record().line), map_.EntryPoint().c_str(),
             std::string(Name()).c_str(), type);
   }
 

@@ -1,0 +1,248 @@
+#include <gtest/gtest.h>
+
+#include "../MemoryPort.h"
+
+namespace {
+
+using namespace GenApi;
+using namespace GenICam;
+using namespace zyn::genapi::test;
+
+TEST(Cache, WriteThroughServesReadsAfterAReadOrAWrite) {
+  Camera camera(Register("IntReg", "R", 0x10, 4) +
+                "<Integer Name=\"I\"><pValue>R</pValue></Integer>"
+                "<Float Name=\"F\"><pValue>I</pValue></Float>");
+  EXPECT_FALSE(camera.Value("R").IsValueCacheValid());
+  camera.Integer("R").GetValue();
+  camera.Integer("R").GetValue();
+  camera.Integer("I").GetValue();
+  camera.Float("F").GetValue();
+  EXPECT_EQ(camera.port.reads, 1);
+  camera.Integer("I").SetValue(7);
+  EXPECT_TRUE(camera.Value("R").IsValueCacheValid());
+  EXPECT_EQ(camera.Float("F").GetValue(), 7);
+  EXPECT_EQ(camera.Integer("R").GetValue(), 7);
+  EXPECT_EQ(camera.port.reads, 1);
+  EXPECT_EQ(camera.port.writes, 1);
+}
+
+TEST(Cache, WriteAroundReadsOnceAfterAWrite) {
+  Camera camera(Register("IntReg", "R", 0x10, 4, "<Cachable>WriteAround</Cachable>"));
+  camera.Integer("R").SetValue(7);
+  camera.Integer("R").GetValue();
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(camera.port.reads, 1);
+}
+
+TEST(Cache, NoCacheReadsEveryTimeAlsoThroughParents) {
+  Camera camera(Register("IntReg", "R", 0x10, 4, "<Cachable>NoCache</Cachable>") +
+                "<Integer Name=\"I\"><pValue>R</pValue></Integer>");
+  camera.Integer("I").GetValue();
+  camera.Integer("I").GetValue();
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(camera.port.reads, 3);
+  EXPECT_EQ(camera.Node("I").GetCachingMode(), NoCache);
+  EXPECT_FALSE(camera.Node("I").IsCachable());
+}
+
+TEST(Cache, ModesCombineOverWhatIsRead) {
+  Camera camera(
+      Register("IntReg", "Through", 0x10, 4) +
+      Register("IntReg", "Around", 0x14, 4, "<Cachable>WriteAround</Cachable>") +
+      "<Integer Name=\"I\"><pValue>Around</pValue></Integer><Float "
+      "Name=\"F\"><pValue>Through</pValue></Float>"
+      "<IntSwissKnife Name=\"K\"><pVariable Name=\"A\">Around</pVariable><Formula>A</Formula></IntSwissKnife>"
+      "<Integer Name=\"Limited\"><pValue>Through</pValue><pMax>Around</pMax></Integer>");
+  EXPECT_EQ(camera.Node("I").GetCachingMode(), WriteAround);
+  EXPECT_EQ(camera.Node("F").GetCachingMode(), WriteAround);
+  EXPECT_EQ(camera.Node("K").GetCachingMode(), WriteThrough);
+  EXPECT_EQ(camera.Node("Limited").GetCachingMode(), WriteThrough);
+}
+
+TEST(Cache, IgnoringItReadsTheDeviceAndTheNextReadDoesToo) {
+  Camera camera(Register("IntReg", "R", 0x10, 4));
+  camera.Integer("R").GetValue();
+  camera.port.bytes[0x10] = 9;
+  EXPECT_EQ(camera.Integer("R").GetValue(true), 0);
+  EXPECT_EQ(camera.Integer("R").GetValue(false, true), 9);
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(camera.port.reads, 3);
+}
+
+TEST(Cache, RegistersAtOnePlaceShareTheirBytesAndSeeEachOthersWrites) {
+  Camera camera(Register("IntReg", "Whole", 0x10, 4) +
+                Register("MaskedIntReg", "Low", 0x10, 4, "<LSB>0</LSB><MSB>7</MSB>") +
+                "<Integer Name=\"Parent\"><pValue>Low</pValue></Integer>");
+  camera.Integer("Whole").GetValue();
+  camera.Integer("Parent").GetValue();
+  EXPECT_EQ(camera.port.reads, 1);
+  camera.Integer("Whole").SetValue(0x1234);
+  EXPECT_EQ(camera.Integer("Parent").GetValue(), 0x34);
+  camera.Integer("Low").SetValue(0xFF);
+  EXPECT_EQ(camera.Integer("Whole").GetValue(), 0x12FF);
+  EXPECT_EQ(camera.port.reads, 1);
+}
+
+TEST(Cache, WriteOnlyMasksRememberWhatWasWritten) {
+  Camera camera(Register("MaskedIntReg", "Low", 0x10, 1, "<LSB>0</LSB><MSB>3</MSB>", "WO") +
+                Register("MaskedIntReg", "High", 0x10, 1, "<LSB>4</LSB><MSB>7</MSB>", "WO"));
+  camera.port.bytes[0x10] = 0xFF;
+  camera.Integer("Low").SetValue(5);
+  camera.Integer("High").SetValue(6);
+  EXPECT_EQ(camera.port.bytes[0x10], 0x65);
+  EXPECT_EQ(camera.port.reads, 0);
+}
+
+TEST(Cache, SelectorsMoveRegistersWithoutStaleValues) {
+  Camera camera(
+      Register("IntReg", "Sel", 0x10, 1, "<pSelected>Gain</pSelected>") +
+      "<IntReg Name=\"Gain\"><Address>0x20</Address><pIndex Offset=\"4\">Sel</pIndex><Length>4</Length>"
+      "<AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>"
+      "<Integer Name=\"Feature\"><pValue>Gain</pValue></Integer>");
+  camera.port.bytes[0x20] = 1;
+  camera.port.bytes[0x24] = 2;
+  EXPECT_EQ(camera.Integer("Feature").GetValue(), 1);
+  camera.Integer("Sel").SetValue(1);
+  EXPECT_EQ(camera.Integer("Feature").GetValue(), 2);
+  camera.Integer("Feature").SetValue(7);
+  EXPECT_EQ(camera.port.bytes[0x24], 7);
+  camera.Integer("Sel").SetValue(0);
+  EXPECT_EQ(camera.Integer("Feature").GetValue(), 1);
+  EXPECT_TRUE(camera.As<ISelector>("Sel").IsSelector());
+  FeatureList_t list;
+  camera.As<ISelector>("Gain").GetSelectingFeatures(list);
+  EXPECT_EQ(list.size(), 1U);
+  camera.As<ISelector>("Sel").GetSelectedFeatures(list);
+  ASSERT_EQ(list.size(), 1U);
+  EXPECT_EQ(list[0]->GetNode()->GetName(), "Gain");
+}
+
+TEST(Cache, AddressesAreSums) {
+  Camera camera(
+      "<Integer Name=\"Sixteen\"><Value>0x10</Value></Integer><Integer "
+      "Name=\"Two\"><Value>2</Value></Integer>"
+      "<IntReg Name=\"R\"><Address>0x1000</Address><Address>0x20</Address><pAddress>Sixteen</pAddress>"
+      "<IntSwissKnife Name=\"K\"><pVariable "
+      "Name=\"X\">Two</pVariable><Formula>X*0x100</Formula></IntSwissKnife>"
+      "<pIndex "
+      "Offset=\"2\">Two</pIndex><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>"
+      "<IntReg "
+      "Name=\"ByLength\"><Address>0x10</Address><pIndex>Two</pIndex><Length>4</Length><pPort>Device</pPort></"
+      "IntReg>"
+      "<IntReg Name=\"ByNode\"><Address>0x10</Address><pIndex "
+      "pOffset=\"Sixteen\">Two</pIndex><Length>4</Length>"
+      "<pPort>Device</pPort></IntReg>");
+  EXPECT_EQ(camera.As<IRegister>("R").GetAddress(), 0x1234);
+  EXPECT_EQ(camera.As<IRegister>("ByLength").GetAddress(), 0x18);
+  EXPECT_EQ(camera.As<IRegister>("ByNode").GetAddress(), 0x30);
+}
+
+TEST(Cache, InvalidatorsForgetWhatTheyInvalidate) {
+  Camera camera(Register("IntReg", "Trigger", 0x10, 1) +
+                Register("IntReg", "Status", 0x11, 1, "<pInvalidator>Trigger</pInvalidator>") +
+                "<Integer Name=\"Feature\"><pValue>Status</pValue></Integer>");
+  camera.Integer("Feature").GetValue();
+  camera.port.bytes[0x11] = 4;
+  EXPECT_EQ(camera.Integer("Feature").GetValue(), 0);
+  camera.Integer("Trigger").SetValue(1);
+  EXPECT_EQ(camera.Integer("Feature").GetValue(), 4);
+}
+
+TEST(Cache, ConditionsAreReadAgainWhenTheyChange) {
+  Camera camera(Register("IntReg", "Lock", 0x10, 1) +
+                "<Integer Name=\"I\"><pIsLocked>Lock</pIsLocked><Value>1</Value></Integer>");
+  EXPECT_EQ(camera.Access("I"), RW);
+  camera.port.bytes[0x10] = 1;
+  EXPECT_EQ(camera.Access("I"), RW);  // nobody told the map
+  camera.map._InvalidateNodes();
+  EXPECT_EQ(camera.Access("I"), RO);
+  camera.Integer("Lock").SetValue(0);
+  EXPECT_EQ(camera.Access("I"), RW);
+  EXPECT_EQ(camera.Node("I").IsAccessModeCacheable(), Yes);
+}
+
+TEST(Cache, VolatileConditionsAreReadEveryTime) {
+  Camera camera(Register("IntReg", "Lock", 0x10, 1, "<Cachable>NoCache</Cachable>") +
+                "<Integer Name=\"I\"><pIsLocked>Lock</pIsLocked><Value>1</Value></Integer>"
+                "<Integer Name=\"J\"><pValue>I</pValue></Integer>");
+  EXPECT_EQ(camera.Access("J"), RW);
+  camera.port.bytes[0x10] = 1;
+  EXPECT_EQ(camera.Access("J"), RO);
+  EXPECT_EQ(camera.Node("J").IsAccessModeCacheable(), No);
+}
+
+TEST(Cache, PollingForgetsAfterItsTime) {
+  Camera camera(Register("IntReg", "R", 0x10, 1, "<PollingTime>1000</PollingTime>"));
+  camera.Integer("R").GetValue();
+  camera.map._Poll(500);
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(camera.port.reads, 1);
+  camera.map._Poll(500);
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(camera.port.reads, 2);
+  EXPECT_EQ(camera.Node("R").GetPollingTime(), 1000);
+  EXPECT_EQ(camera.Node("Device").GetPollingTime(), -1);
+}
+
+TEST(Cache, AFailedWriteForgetsTheValue) {
+  Camera camera(Register("IntReg", "R", 0x10, 1) + "<Integer Name=\"I\"><pValue>R</pValue></Integer>");
+  camera.Integer("I").GetValue();
+  camera.port.fails = true;
+  EXPECT_THROW(camera.Integer("I").SetValue(5), TimeoutException);
+  EXPECT_THROW(camera.Integer("I").GetValue(), TimeoutException);
+  camera.port.fails = false;
+  camera.port.bytes[0x10] = 8;
+  EXPECT_EQ(camera.Integer("I").GetValue(), 8);
+}
+
+TEST(Cache, IndexedValuesFollowTheirIndex) {
+  Camera camera(
+      "<Integer Name=\"Index\"><Value>0</Value></Integer><Integer "
+      "Name=\"Other\"><Value>50</Value><Max>60</Max></Integer>"
+      "<Integer Name=\"I\"><pIndex>Index</pIndex><ValueIndexed Index=\"0\">10</ValueIndexed>"
+      "<pValueIndexed Index=\"1\">Other</pValueIndexed><ValueDefault>99</ValueDefault></Integer>");
+  EXPECT_EQ(camera.Integer("I").GetValue(), 10);
+  camera.Integer("I").SetValue(11);
+  EXPECT_EQ(camera.Integer("I").GetValue(), 11);
+  camera.Integer("Index").SetValue(1);
+  EXPECT_EQ(camera.Integer("I").GetValue(), 50);
+  EXPECT_EQ(camera.Integer("I").GetMax(), 60);
+  camera.Integer("Index").SetValue(2);
+  EXPECT_EQ(camera.Integer("I").GetValue(), 99);
+  camera.Integer("Index").SetValue(0);
+  EXPECT_EQ(camera.Integer("I").GetValue(), 11);
+}
+
+TEST(Cache, PortsForgetEverythingBehindThem) {
+  Camera camera(Register("IntReg", "R", 0x10, 1));
+  camera.Integer("R").GetValue();
+  camera.port.bytes[0x10] = 3;
+  camera.port.InvalidateNode();
+  EXPECT_EQ(camera.Integer("R").GetValue(), 3);
+}
+
+TEST(Cache, CommandsAreDoneWhenTheDeviceSaysSo) {
+  Camera camera(Register("IntReg", "R", 0x10, 1) +
+                "<Command Name=\"C\"><pValue>R</pValue><CommandValue>5</CommandValue></Command>");
+  auto& command = camera.As<ICommand>("C");
+  EXPECT_TRUE(command.IsDone());
+  EXPECT_EQ(camera.port.reads, 0);
+  command.Execute();
+  EXPECT_EQ(camera.port.bytes[0x10], 5);
+  EXPECT_FALSE(command.IsDone());
+  EXPECT_EQ(camera.Text("C"), "1");
+  camera.port.bytes[0x10] = 0;
+  EXPECT_TRUE(command.IsDone());
+  EXPECT_EQ(camera.Text("C"), "0");
+}
+
+TEST(Cache, TwoMapsOfOneFactoryAreIndependent) {
+  CNodeMapFactory factory(Description("<Integer Name=\"I\"><Value>1</Value></Integer>").c_str());
+  CNodeMapRef first(factory.CreateNodeMap("One", false));
+  CNodeMapRef second(factory.CreateNodeMap("Two"));
+  CIntegerPtr(first._GetNode("I"))->SetValue(5);
+  EXPECT_EQ(CIntegerPtr(second._GetNode("I"))->GetValue(), 1);
+  EXPECT_EQ(second._GetDeviceName(), "Two");
+}
+
+}  // namespace
