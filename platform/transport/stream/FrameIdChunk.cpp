@@ -40,6 +40,35 @@ GenApi_3_4::IChunkPort* FindChunkPort(GenApi_3_4::INodeMap& camera, GenApi_3_4::
   return nullptr;
 }
 
+// The sum of the constants in a property that holds one or more of them, separated by tabs. A register of a chunk
+// port cannot be asked itself: while no chunk is attached it is not available.
+std::optional<std::size_t> SumOf(const std::string& numbers) {
+  std::size_t sum = 0;
+  const char* at = numbers.c_str();
+  for (char* end = nullptr; *at != '\0'; at = end) {
+    sum += std::strtoull(at, &end, 0);
+    if (end == at) return std::nullopt;
+    while (*end == '\t' || *end == ' ') ++end;
+  }
+  return numbers.empty() ? std::nullopt : std::optional<std::size_t>(sum);
+}
+
+std::optional<std::size_t> IndirectAddress(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode& registerNode) {
+  const std::string name = Property(registerNode, "pAddress");
+  if (name.empty()) return 0;
+  auto* node = dynamic_cast<GenApi_3_4::IInteger*>(camera.GetNode(name.c_str()));
+  if (!node) return std::nullopt;
+  return static_cast<std::size_t>(node->GetValue());
+}
+
+// Registers that lie elsewhere for each selector value, or take up parts of bytes only, are not read.
+bool IsPlain(GenApi_3_4::INode& registerNode) {
+  for (const char* property : {"pIndex", "LSB", "MSB", "Bit", "IntSwissKnife"}) {
+    if (!Property(registerNode, property).empty()) return false;
+  }
+  return true;
+}
+
 std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portOrder) {
   std::set<GenApi_3_4::INode*> seen;
   GenApi_3_4::INode* node = FindRegister(camera.GetNode("ChunkFrameID"), seen);
@@ -47,15 +76,16 @@ std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portO
   GenApi_3_4::IChunkPort* port = FindChunkPort(camera, *node);
   if (!port) return std::nullopt;
   const std::string idText = port->GetChunkID().c_str();
-  auto* reg = dynamic_cast<GenApi_3_4::IRegister*>(node);
-  const std::int64_t address = reg->GetAddress();
-  const std::int64_t length = reg->GetLength();
-  if (idText.empty() || address < 0 || length < 1 || length > 8) return std::nullopt;
+  const auto constants = SumOf(Property(*node, "Address"));
+  const auto indirect = IndirectAddress(camera, *node);
+  const auto length = SumOf(Property(*node, "Length"));
+  if (idText.empty() || !IsPlain(*node) || !indirect || !length || *length < 1 || *length > 8)
+    return std::nullopt;
   const std::string order = Property(*node, "Endianess");
   if (order == "BigEndian") portOrder = ByteOrder::kBig;
   if (order == "LittleEndian") portOrder = ByteOrder::kLittle;
-  return FrameIdChunk(std::strtoull(idText.c_str(), nullptr, 16), static_cast<std::size_t>(address),
-                      static_cast<std::size_t>(length), portOrder);
+  return FrameIdChunk(std::strtoull(idText.c_str(), nullptr, 16), constants.value_or(0) + *indirect, *length,
+                      portOrder);
 }
 
 }  // namespace
