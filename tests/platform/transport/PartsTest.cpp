@@ -1,0 +1,416 @@
+// The parts that need no producer: URLs, descriptions, chunk layouts, frame layouts, pixel formats, results.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include <KELGeniCam.h>
+
+#include "Result.h"
+#include "discovery/CameraDescription.h"
+#include "discovery/DeviceAddress.h"
+#include "module/ModuleDescription.h"
+#include "producer/GenTLInfo.h"
+#include "producer/SearchPath.h"
+#include "stream/Chunks.h"
+#include "stream/FrameIdChunk.h"
+#include "stream/FrameLayout.h"
+#include "stream/FramePool.h"
+#include "stream/PixelFormat.h"
+
+namespace zyn::transport {
+namespace {
+
+// ---- description URLs -----------------------------------------------------------------------------------
+
+struct LocalUrlCase {
+  const char* text;
+  std::uint64_t address;
+  std::uint64_t length;
+};
+
+TEST(DescriptionUrl, TakesEverySpellingOfALocalUrl) {
+  const LocalUrlCase rows[] = {
+      {"local:camera.xml;10000;1a2b", 0x10000, 0x1A2B},
+      {"Local:///camera.zip;8001;FF", 0x8001, 0xFF},
+      {"LOCAL://camera.xml; 0x10 ;0x20", 0x10, 0x20},
+      {"local:camera.xml;10;20?SchemaVersion=1.1.0", 0x10, 0x20},
+      {" local:a b/c\\d.xml;f0f0f0f0f0f0;1\n", 0xF0F0F0F0F0F0, 1},
+  };
+  for (const LocalUrlCase& row : rows) {
+    const DescriptionUrl url = ParseDescriptionUrl(row.text);
+    EXPECT_EQ(url.scheme, DescriptionUrl::Scheme::kLocal) << row.text;
+    EXPECT_EQ(url.address, row.address) << row.text;
+    EXPECT_EQ(url.length, row.length) << row.text;
+  }
+}
+
+TEST(DescriptionUrl, RemembersTheDecimalReadingOfALength) {
+  EXPECT_EQ(ParseDescriptionUrl("local:a.xml;10;1234").decimalLength, 1234U);
+  EXPECT_EQ(ParseDescriptionUrl("local:a.xml;10;12ab").decimalLength, std::nullopt);
+}
+
+struct FileUrlCase {
+  const char* text;
+  const char* path;
+};
+
+TEST(DescriptionUrl, DecodesFileUrls) {
+  const FileUrlCase rows[] = {
+      {"file:///opt/xml/camera.xml", "/opt/xml/camera.xml"},
+      {"FILE:///opt/my%20camera.xml?SchemaVersion=1.0.0", "/opt/my camera.xml"},
+      {"file:camera.zip", "camera.zip"},
+      {"file://localhost/opt/a.xml", "/opt/a.xml"},
+      {"file:///opt/100%.xml", "/opt/100%.xml"},
+      {"file:///opt/end%2", "/opt/end%2"},
+      {"file:///opt/end%20", "/opt/end "},
+  };
+  for (const FileUrlCase& row : rows) {
+    const DescriptionUrl url = ParseDescriptionUrl(row.text);
+    EXPECT_EQ(url.scheme, DescriptionUrl::Scheme::kFile) << row.text;
+    EXPECT_EQ(url.name, row.path) << row.text;
+  }
+}
+
+TEST(DescriptionUrl, KnowsWhatItCannotUse) {
+  EXPECT_EQ(ParseDescriptionUrl("http://maker/camera.xml").scheme, DescriptionUrl::Scheme::kHttp);
+  EXPECT_EQ(ParseDescriptionUrl("https://maker/camera.xml").scheme, DescriptionUrl::Scheme::kHttp);
+  for (const char* text :
+       {"", "local:", "local:a.xml", "local:a.xml;10", "local:a.xml;10;", "local:a.xml;xyz;1",
+        "local:a.xml;10;11111111111111111", "ftp://x", "camera.xml"}) {
+    EXPECT_EQ(ParseDescriptionUrl(text).scheme, DescriptionUrl::Scheme::kUnknown) << text;
+  }
+}
+
+std::vector<char> Bytes(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+TEST(Description, IsCutToTheDocument) {
+  const std::string document = "<?xml version=\"1.0\"?><RegisterDescription></RegisterDescription>";
+  for (const std::string& tail :
+       {std::string(), std::string(100, '\0'), std::string("junk"), std::string("\r\n")}) {
+    const auto description = RecogniseDescription(Bytes(document + tail));
+    ASSERT_TRUE(description);
+    EXPECT_FALSE(description->isZip);
+    EXPECT_EQ(std::string(description->bytes.begin(), description->bytes.end()), document);
+  }
+  EXPECT_TRUE(RecogniseDescription(Bytes("\xEF\xBB\xBF" + document)));
+}
+
+TEST(Description, IsRecognisedByItsContent) {
+  const auto zip = RecogniseDescription(Bytes(std::string("PK\x03\x04rest")));
+  ASSERT_TRUE(zip);
+  EXPECT_TRUE(zip->isZip);
+  EXPECT_FALSE(RecogniseDescription({}));
+  EXPECT_FALSE(RecogniseDescription(Bytes("neither")));
+  EXPECT_FALSE(RecogniseDescription(std::vector<char>(1000, '\0')));
+}
+
+// ---- chunks ---------------------------------------------------------------------------------------------
+
+void AppendTrailer(std::vector<unsigned char>& bytes, std::uint32_t id, std::uint32_t length,
+                   ByteOrder order) {
+  for (const std::uint32_t number : {id, length}) {
+    for (unsigned i = 0; i < 4; ++i) {
+      const unsigned shift = order == ByteOrder::kBig ? 24 - 8 * i : 8 * i;
+      bytes.push_back(static_cast<unsigned char>(number >> shift));
+    }
+  }
+}
+
+std::vector<unsigned char> TwoChunks(ByteOrder order) {
+  std::vector<unsigned char> bytes{1, 2, 3};
+  AppendTrailer(bytes, 0xA0, 3, order);
+  AppendTrailer(bytes, 0xA1, 0, order);
+  bytes.push_back(4);
+  AppendTrailer(bytes, 0xA2, 1, order);
+  return bytes;
+}
+
+TEST(ChunkLayout, IsWalkedBackwardsInBothByteOrders) {
+  const std::vector<ChunkRange> expected{{0xA0, 0, 3}, {0xA1, 11, 0}, {0xA2, 19, 1}};
+  for (const ByteOrder order : {ByteOrder::kBig, ByteOrder::kLittle}) {
+    const auto bytes = TwoChunks(order);
+    EXPECT_EQ(ParseChunkLayout(bytes.data(), bytes.size(), order), expected);
+    EXPECT_EQ(ParseChunkLayout(bytes.data(), bytes.size(), std::nullopt), expected);
+  }
+}
+
+TEST(ChunkLayout, ThatDoesNotEndAtTheStartIsNoLayout) {
+  const auto bytes = TwoChunks(ByteOrder::kBig);
+  for (std::size_t cut = 1; cut < bytes.size(); ++cut) {
+    if (bytes.size() - cut == 8) continue;  // exactly the empty chunk
+    const std::vector<unsigned char> part(bytes.begin() + static_cast<std::ptrdiff_t>(cut), bytes.end());
+    const auto chunks = ParseChunkLayout(part.data(), part.size(), ByteOrder::kBig);
+    const bool isWhole = cut == 11 || cut == 19;  // a cut between two chunks
+    EXPECT_EQ(chunks.empty(), !isWhole) << cut;
+  }
+  EXPECT_TRUE(ParseChunkLayout(bytes.data(), 0, ByteOrder::kBig).empty());
+  EXPECT_TRUE(ParseChunkLayout(bytes.data(), bytes.size(), ByteOrder::kLittle).empty());
+}
+
+TEST(ChunkLayout, TheImageIsTakenOut) {
+  std::vector<ChunkRange> chunks{{1, 0, 100}, {2, 108, 4}};
+  RemoveImageChunk(chunks, 200);
+  EXPECT_EQ(chunks.size(), 2U);
+  RemoveImageChunk(chunks, 0);
+  EXPECT_EQ(chunks, (std::vector<ChunkRange>{{2, 108, 4}}));
+}
+
+TEST(FrameIdChunk, ReadsEitherByteOrderAtItsAddress) {
+  const unsigned char data[] = {0, 0, 0x12, 0x34, 0x56, 0x78};
+  const std::vector<ChunkRange> chunks{{7, 1, 5}};
+  EXPECT_EQ(FrameIdChunk(7, 1, 4, ByteOrder::kBig).Read(data, chunks), 0x12345678);
+  EXPECT_EQ(FrameIdChunk(7, 1, 4, ByteOrder::kLittle).Read(data, chunks), 0x78563412);
+  EXPECT_EQ(FrameIdChunk(7, 1, 2, ByteOrder::kBig).Read(data, chunks), 0x1234);
+  EXPECT_EQ(FrameIdChunk(7, 2, 4, ByteOrder::kBig).Read(data, chunks), std::nullopt);
+  EXPECT_EQ(FrameIdChunk(8, 1, 4, ByteOrder::kBig).Read(data, chunks), std::nullopt);
+}
+
+// ---- pixel formats --------------------------------------------------------------------------------------
+
+struct FormatCase {
+  const char* name;
+  std::uint64_t format;
+  int bits;
+  int channels;
+};
+
+TEST(PixelFormat, ChannelsAndBits) {
+  const FormatCase rows[] = {
+      {"Mono8", 0x01080001, 8, 1},
+      {"Mono10", 0x01100003, 16, 1},
+      {"Mono12Packed", 0x010C0006, 12, 1},
+      {"Mono10p", 0x010A0046, 10, 1},
+      {"Mono16", 0x01100007, 16, 1},
+      {"BayerRG8", 0x01080009, 8, 1},
+      {"BayerRG12p", 0x010C0059, 12, 1},
+      {"RGB8", 0x02180014, 24, 3},
+      {"BGR8", 0x02180015, 24, 3},
+      {"BGRa8", 0x02200017, 32, 4},
+      {"RGB16", 0x02300033, 48, 3},
+      {"RGBa16", 0x02400064, 64, 4},
+      {"RGB10p", 0x021E005C, 30, 1},
+      {"RGB10p32", 0x0220001D, 32, 1},
+      {"RGB565p", 0x02100035, 16, 1},
+      {"YUV422_8", 0x02100032, 16, 2},
+      {"YUV411", 0x020C001E, 12, 1},
+      {"YUV8_UYV", 0x02180020, 24, 3},
+      {"Coord3D_C16", 0x011000B8, 16, 1},
+      {"Coord3D_C32f", 0x012000BF, 32, 1},
+      {"Coord3D_ABC16", 0x023000B9, 48, 3},
+      {"Coord3D_ABC32f", 0x026000C0, 96, 3},
+      {"Coord3D_AC16", 0x022000BB, 32, 2},
+      {"Coord3D_AC32f", 0x024000C2, 64, 2},
+      {"Unknown", 0, 0, 1},
+      {"Custom", 0x81080001, 8, 1},
+  };
+  for (const FormatCase& row : rows) {
+    EXPECT_EQ(BitsPerPixel(row.format), row.bits) << row.name;
+    EXPECT_EQ(ChannelsOf(row.format), row.channels) << row.name;
+  }
+  EXPECT_EQ(RowBytes(0x010C0006, 3), 5U);
+  EXPECT_EQ(RowBytes(0x010A0046, 5), 7U);
+}
+
+// ---- frame layouts --------------------------------------------------------------------------------------
+
+BufferFacts ImageFacts(std::uint64_t width, std::uint64_t height) {
+  BufferFacts facts;
+  facts.Set(GenTL::BUFFER_INFO_WIDTH, width);
+  facts.Set(GenTL::BUFFER_INFO_HEIGHT, height);
+  facts.Set(GenTL::BUFFER_INFO_PIXELFORMAT, 0x01080001);
+  facts.Set(GenTL::BUFFER_INFO_FRAMEID, 12);
+  return facts;
+}
+
+TEST(FrameLayout, CountsPaddingOffsetAndDeliveredRows) {
+  BufferFacts facts = ImageFacts(10, 8);
+  facts.Set(GenTL::BUFFER_INFO_XPADDING, 6);
+  facts.Set(GenTL::BUFFER_INFO_IMAGEOFFSET, 32);
+  facts.Set(GenTL::BUFFER_INFO_DELIVERED_IMAGEHEIGHT, 5);
+  const FrameLayout frame = LayOutFrame(facts, {}, 1000);
+  EXPECT_EQ(frame.result, KELGENICAM::RESULT_OK);
+  EXPECT_TRUE(frame.isValid);
+  EXPECT_TRUE(frame.hasImage);
+  EXPECT_EQ(frame.frameId, 12);
+  EXPECT_EQ(frame.width, 10);
+  EXPECT_EQ(frame.height, 5);
+  EXPECT_EQ(frame.step, 16);
+  EXPECT_EQ(frame.imageOffset, 32U);
+}
+
+TEST(FrameLayout, TakesFromTheCameraWhatTheProducerDoesNotTell) {
+  const FrameLayout frame = LayOutFrame(BufferFacts(), {10, 4, 0x02180014}, 120);
+  EXPECT_TRUE(frame.isValid);
+  EXPECT_EQ(frame.width, 10);
+  EXPECT_EQ(frame.height, 4);
+  EXPECT_EQ(frame.step, 30);
+  EXPECT_EQ(frame.channels, 3);
+}
+
+TEST(FrameLayout, NeverLeavesTheBuffer) {
+  const std::uint64_t numbers[] = {0, 1, 7, 100, 1000, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFFFFFFFFFF};
+  constexpr std::size_t kCapacity = 100;
+  for (const std::uint64_t width : numbers) {
+    for (const std::uint64_t height : numbers) {
+      for (const std::uint64_t padding : numbers) {
+        for (const std::uint64_t offset : numbers) {
+          BufferFacts facts = ImageFacts(width, height);
+          facts.Set(GenTL::BUFFER_INFO_XPADDING, padding);
+          facts.Set(GenTL::BUFFER_INFO_IMAGEOFFSET, offset);
+          const FrameLayout frame = LayOutFrame(facts, {}, kCapacity);
+          const auto end = frame.imageOffset +
+                           static_cast<std::size_t>(frame.step) * static_cast<std::size_t>(frame.height);
+          EXPECT_LE(end, kCapacity);
+          EXPECT_GE(frame.step, 0);
+          EXPECT_GE(frame.height, 0);
+        }
+      }
+    }
+  }
+}
+
+TEST(FrameLayout, AFrameCutByItsBufferIsNotValid) {
+  const FrameLayout frame = LayOutFrame(ImageFacts(10, 10), {}, 95);
+  EXPECT_FALSE(frame.isValid);
+  EXPECT_EQ(frame.height, 9);
+}
+
+TEST(FrameLayout, WithoutTheIncompleteCommandMissingDataTells) {
+  BufferFacts facts = ImageFacts(4, 2);
+  facts.Set(GenTL::BUFFER_INFO_SIZE_FILLED, 7);
+  facts.Set(GenTL::BUFFER_INFO_DATA_SIZE, 8);
+  EXPECT_FALSE(LayOutFrame(facts, {}, 8).isValid);
+  facts.Set(GenTL::BUFFER_INFO_IS_INCOMPLETE, 0);
+  EXPECT_TRUE(LayOutFrame(facts, {}, 8).isValid);
+}
+
+TEST(FrameLayout, RawDataIsOneRow) {
+  BufferFacts facts;
+  facts.Set(GenTL::BUFFER_INFO_PAYLOADTYPE, GenTL::PAYLOAD_TYPE_RAW_DATA);
+  facts.Set(GenTL::BUFFER_INFO_SIZE_FILLED, 60);
+  const FrameLayout frame = LayOutFrame(facts, {}, 100);
+  EXPECT_TRUE(frame.isValid);
+  EXPECT_EQ(frame.width, 60);
+  EXPECT_EQ(frame.height, 1);
+  EXPECT_EQ(frame.step, 60);
+}
+
+TEST(FrameLayout, ThePartsSizeSettlesItsStep) {
+  FrameLayout frame;
+  frame.isValid = true;
+  PlacePart(frame, PartFacts{16, 64, 4, 4, 4, 0x01100007}, 200);  // 8 bytes a row and 4 more, in pixels
+  EXPECT_EQ(frame.step, 16);
+  EXPECT_EQ(frame.imageOffset, 16U);
+  EXPECT_TRUE(frame.isValid);
+}
+
+// ---- memory ---------------------------------------------------------------------------------------------
+
+TEST(FramePool, GivesBackUsedMemoryOfTheSameSizeOnly) {
+  const auto pool = std::make_shared<FramePool>();
+  const unsigned char* first = nullptr;
+  {
+    const auto memory = pool->Take(5000, 64);
+    first = memory->Data();
+  }
+  EXPECT_EQ(pool->Take(5000, 64)->Data(), first);
+  EXPECT_EQ(pool->Take(6000, 64)->Size(), 6000U);
+}
+
+TEST(FramePool, MemoryOutlivesItsPool) {
+  auto pool = std::make_shared<FramePool>();
+  const auto memory = pool->Take(100, 1);
+  pool = nullptr;
+  memory->Data()[99] = 7;
+  EXPECT_EQ(memory->Data()[99], 7);
+}
+
+TEST(FramePool, RefusesWhatNoMachineHas) {
+  const auto pool = std::make_shared<FramePool>();
+  EXPECT_EQ(pool->Take(~std::size_t{0}, 4096), nullptr);
+  EXPECT_EQ(pool->Take(~std::size_t{0} / 2, 4096), nullptr);
+}
+
+TEST(FramePool, IsAlignedAsAskedFor) {
+  const auto pool = std::make_shared<FramePool>();
+  for (const std::size_t alignment : {1UL, 4096UL, 65536UL}) {
+    const auto memory = pool->Take(1000, alignment);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory->Data()) % alignment, 0U);
+  }
+}
+
+// ---- small things ---------------------------------------------------------------------------------------
+
+TEST(Info, IntegersAreDecodedByTypeAndSize) {
+  const unsigned char bytes[8] = {0xFE, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0};
+  EXPECT_EQ(DecodeInteger(GenTL::INFO_DATATYPE_INT32, bytes, 4), static_cast<std::uint64_t>(-2));
+  EXPECT_EQ(DecodeInteger(GenTL::INFO_DATATYPE_UINT32, bytes, 4), 0xFFFFFFFEU);
+  EXPECT_EQ(DecodeInteger(GenTL::INFO_DATATYPE_SIZET, bytes, 4), 0xFFFFFFFEU);
+  EXPECT_EQ(DecodeInteger(GenTL::INFO_DATATYPE_INT16, bytes, 2), static_cast<std::uint64_t>(-2));
+  EXPECT_EQ(DecodeInteger(GenTL::INFO_DATATYPE_BOOL8, bytes, 1), 0xFEU);
+}
+
+TEST(Info, LongAnswersAreAskedForInTwoSteps) {
+  const std::string longText(5000, 'x');
+  int calls = 0;
+  const auto ask = [&](GenTL::INFO_DATATYPE* type, void* buffer, std::size_t* size) {
+    ++calls;
+    *type = GenTL::INFO_DATATYPE_STRING;
+    const std::size_t needed = longText.size() + 1;
+    if (buffer && *size < needed) return GenTL::GC_ERR_BUFFER_TOO_SMALL;
+    if (buffer) std::memcpy(buffer, longText.c_str(), needed);
+    *size = needed;
+    return GenTL::GC_ERR_SUCCESS;
+  };
+  EXPECT_EQ(GetString(ask), longText);
+  EXPECT_LE(calls, 4);
+}
+
+TEST(Info, ATextWithoutTerminatorIsStillRead) {
+  const auto ask = [](GenTL::INFO_DATATYPE*, void* buffer, std::size_t* size) {
+    std::memcpy(buffer, "abc", 3);
+    *size = 3;
+    return GenTL::GC_ERR_SUCCESS;
+  };
+  EXPECT_EQ(GetString(ask), "abc");
+}
+
+TEST(Addresses, AreWrittenAsPeopleWriteThem) {
+  EXPECT_EQ(FormatIp(0), "0.0.0.0");
+  EXPECT_EQ(FormatIp(0xC0A80102), "192.168.1.2");
+  EXPECT_EQ(FormatIp(-1), "255.255.255.255");
+  EXPECT_EQ(FormatMac(0), "00:00:00:00:00:00");
+  EXPECT_EQ(FormatMac(0x123456789ABC), "12:34:56:78:9a:bc");
+}
+
+TEST(Protocols, BothSpellingsAreKnown) {
+  EXPECT_EQ(ProtocolOf("GEV"), static_cast<unsigned>(KELGENICAM::PROTOCOL_GIGE_VISION));
+  EXPECT_EQ(ProtocolOf("gigevision"), static_cast<unsigned>(KELGENICAM::PROTOCOL_GIGE_VISION));
+  EXPECT_EQ(ProtocolOf("CameraLink"), static_cast<unsigned>(KELGENICAM::PROTOCOL_CAMERA_LINK));
+  EXPECT_EQ(ProtocolOf("CLHS"), static_cast<unsigned>(KELGENICAM::PROTOCOL_OTHER));
+  EXPECT_EQ(ProtocolOf(""), static_cast<unsigned>(KELGENICAM::PROTOCOL_OTHER));
+}
+
+TEST(SearchPath, ListsAreSplitAtColons) {
+  EXPECT_EQ(SplitPathList(nullptr), std::vector<std::string>());
+  EXPECT_EQ(SplitPathList("::a:\"b c\"::d:"), (std::vector<std::string>{"a", "b c", "d"}));
+}
+
+TEST(Results, TheNumbersAreFixed) {
+  EXPECT_EQ(KELGENICAM::RESULT_TIMEOUT, -1);
+  EXPECT_EQ(KELGENICAM::RESULT_DEVICE_LOST, -6);
+  EXPECT_EQ(KELGENICAM::RESULT_PAYLOAD_UNSUPPORTED, -9);
+  EXPECT_EQ(KELGENICAM::RESULT_ACCESS_DENIED, -16);
+  EXPECT_EQ(KELGENICAM::RESULT_UNREACHABLE, -20);
+  EXPECT_EQ(KELGENICAM::RESULT_EXHAUSTED, -26);
+  EXPECT_EQ(ToResult(GenTL::GC_ERR_OUT_OF_MEMORY), KELGENICAM::RESULT_OUT_OF_MEMORY);
+  EXPECT_EQ(ToResult(-10001), KELGENICAM::RESULT_ERROR);
+  EXPECT_EQ(ToOpenResult(GenTL::GC_ERR_IO), KELGENICAM::RESULT_UNREACHABLE);
+}
+
+}  // namespace
+}  // namespace zyn::transport
