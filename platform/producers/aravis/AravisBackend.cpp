@@ -1,10 +1,28 @@
 #include "AravisBackend.h"
 
+#include <arv.h>
+#include <dlfcn.h>
+
 #include "GevInterface.h"
 
 namespace zyn::aravis {
+namespace {
 
-AravisBackend::AravisBackend() = default;
+// GLib keeps the types that libaravis registers for as long as the process lives, and they point into libaravis. A
+// consumer that unloads this producer and loads it again would find half of them. Unloading takes this file only.
+void KeepLibaravisLoaded() {
+  Dl_info info{};
+  const auto address = reinterpret_cast<void*>(&arv_gv_device_new);
+  if (dladdr(address, &info) == 0) return;
+  // Never closed: the flag outlives the handle.
+  dlopen(info.dli_fname, RTLD_LAZY | RTLD_NODELETE | RTLD_NOLOAD);
+}
+
+}  // namespace
+
+AravisBackend::AravisBackend() {
+  KeepLibaravisLoaded();
+}
 
 producer::ProducerInfo AravisBackend::Info() const {
   producer::ProducerInfo info;
