@@ -43,6 +43,7 @@ class GCBASE_RTTI_CLASS_API GenericException {
   unsigned int m_SourceLine;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the name of a class cannot stand in brackets
 #define GENICAM_DECLARE_EXCEPTION(name)                                                                      \
   class GCBASE_RTTI_CLASS_API name : public GenericException {                                               \
    public:                                                                                                   \
@@ -54,6 +55,8 @@ class GCBASE_RTTI_CLASS_API GenericException {
     name& operator=(const name& other);                                                                      \
     ~name() noexcept override;                                                                               \
   }
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 /// Memory could not be allocated.
 GENICAM_DECLARE_EXCEPTION(BadAllocException);

@@ -76,7 +76,10 @@ class GCBASE_API gcstring {
   gcstring& operator+=(const char* pc);
   gcstring& operator+=(char ch);
   gcstring operator+=(char ch) const;
-  gcstring& operator=(const char* pc) { return assign(pc); }
+  gcstring& operator=(const char* pc) {
+    assign(pc);
+    return *this;
+  }
 
   operator const char*() const { return m_pData; }
 

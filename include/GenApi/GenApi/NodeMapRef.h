@@ -49,7 +49,6 @@ class CNodeMapRefT : public TCameraParams {
     if (pNodeMap != _Ptr) Attach(std::shared_ptr<INodeMap>(pNodeMap, &Delete));
     return *this;
   }
-  virtual ~CNodeMapRefT() {}
 
   /// Gives the map up; the last owner destroys it.
   void _Destroy() {

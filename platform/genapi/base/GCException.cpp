@@ -65,6 +65,7 @@ const char* GenericException::what() const noexcept {
 }
 
 // One kind is as the other; only their types differ.
+// NOLINTBEGIN(bugprone-macro-parentheses): the name of a class cannot stand in brackets
 #define DEFINE_EXCEPTION(name)                                                                               \
   name::name(const char* pDescription, const char* pSourceFileName, int SourceLine)                          \
       : GenericException(pDescription, pSourceFileName, static_cast<unsigned int>(SourceLine)) {}            \
@@ -79,6 +80,8 @@ const char* GenericException::what() const noexcept {
   name::name(const name& other) = default;                                                                   \
   name& name::operator=(const name& other) = default;                                                        \
   name::~name() noexcept = default;
+
+// NOLINTEND(bugprone-macro-parentheses)
 
 DEFINE_EXCEPTION(BadAllocException)
 DEFINE_EXCEPTION(InvalidArgumentException)

@@ -16,6 +16,7 @@ class EnumerationNode final : public ValueNode<IEnumeration> {
 
   void GetSymbolics(StringList_t& Symbolics) override;
   void GetEntries(NodeList_t& Entries) override;
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
   IEnumeration& operator=(const gcstring& ValueStr) override;
   void SetIntValue(int64_t Value, bool Verify) override;
   gcstring operator*() override;

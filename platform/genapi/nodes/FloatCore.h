@@ -14,6 +14,7 @@ class FloatCore : public ValueNode<IFloat> {
   using ValueNode<IFloat>::ValueNode;
 
   void SetValue(double Value, bool Verify) override;
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
   IFloat& operator=(double Value) override;
   double GetValue(bool Verify, bool IgnoreCache) override;
   double operator()() override;

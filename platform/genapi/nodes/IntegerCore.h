@@ -14,6 +14,7 @@ class IntegerCore : public ValueNode<IInteger> {
   using ValueNode<IInteger>::ValueNode;
 
   void SetValue(int64_t Value, bool Verify) override;
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
   IInteger& operator=(int64_t Value) override;
   int64_t GetValue(bool Verify, bool IgnoreCache) override;
   int64_t operator()() override;

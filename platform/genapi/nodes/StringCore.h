@@ -12,6 +12,7 @@ class StringCore : public ValueNode<IString> {
   using ValueNode<IString>::ValueNode;
 
   void SetValue(const gcstring& Value, bool Verify) override;
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
   IString& operator=(const gcstring& Value) override;
   gcstring GetValue(bool Verify, bool IgnoreCache) override;
   gcstring operator()() override { return GetValue(false, false); }
