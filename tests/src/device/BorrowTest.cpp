@@ -71,7 +71,7 @@ TEST_F(BorrowTest, BorrowingDuringAnotherExceptionStillReportsItsOwn) {
   device.Open(&info);
   bool saw = false;
   try {
-    const Cleanup cleanup{device, saw};
+    [[maybe_unused]] const Cleanup cleanup{device, saw};
     throw std::logic_error("first");
   } catch (const std::logic_error&) {
     EXPECT_TRUE(saw);

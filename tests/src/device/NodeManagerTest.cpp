@@ -37,6 +37,7 @@ TEST(NodeManager, ThreadsThatLookUpTogetherGetOneNode) {
   NodeManager nodes;
   std::vector<CameraNode*> found(8);
   std::vector<std::thread> threads;
+  threads.reserve(found.size());
   for (auto& node : found) {
     threads.emplace_back([&] {
       for (int i = 0; i < 100; ++i) {
