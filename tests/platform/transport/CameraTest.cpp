@@ -282,7 +282,9 @@ TEST_F(CameraTest, DiscoveryOpenGrabAndCloseMayRunAtTheSameTime) {
     EXPECT_EQ(camera->Open(ACCESS_CONTROL), RESULT_OK);
     EXPECT_EQ(camera->StartGrabbing(strategy, -1), RESULT_OK);
     std::this_thread::yield();
-    if (round % 2 == 0) EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+    if (round % 2 == 0) {
+      EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+    }
     EXPECT_EQ(camera->Close(), RESULT_OK);
   }
   isOver = true;

@@ -167,7 +167,7 @@ TEST_P(WakeTest, TheStreamCanBeStartedManyTimes) {
 
 INSTANTIATE_TEST_SUITE_P(Strategies, WakeTest,
                          testing::Values(GRAB_ONE_BY_ONE, GRAB_LATEST_ONLY, GRAB_LATEST, GRAB_UPCOMING_IMAGE),
-                         [](const auto& info) { return "Strategy" + std::to_string(info.param); });
+                         [](const auto& row) { return "Strategy" + std::to_string(row.param); });
 
 TEST_F(GrabTest, ReleaseWakesAWaitingGrab) {
   CameraPtr camera = Grabbing(GRAB_ONE_BY_ONE);
