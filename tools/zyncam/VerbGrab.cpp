@@ -1,0 +1,213 @@
+#include <GenApi/GenApi.h>
+
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "Camera.h"
+#include "Failure.h"
+#include "FeatureText.h"
+#include "PngWriter.h"
+#include "Verbs.h"
+
+namespace zyncam {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int kBarWidth = 30;
+
+std::atomic<bool> g_interrupted{
+    false};  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): set by a signal
+
+/// Turns the first Ctrl-C into a wish to stop, so that the stream is stopped and the camera closed in order.
+class InterruptGuard {
+ public:
+  InterruptGuard() : previous_(std::signal(SIGINT, &OnSignal)) {}
+  ~InterruptGuard() { std::signal(SIGINT, previous_); }
+  InterruptGuard(const InterruptGuard&) = delete;
+  InterruptGuard& operator=(const InterruptGuard&) = delete;
+
+ private:
+  static void OnSignal(int) { g_interrupted = true; }
+  void (*previous_)(int);
+};
+
+/// Stops the stream on every way out.
+class StreamGuard {
+ public:
+  explicit StreamGuard(ZYNSDK::ZynCamera& camera) : camera_(camera) {}
+  ~StreamGuard() { camera_.StopGrab(); }
+  StreamGuard(const StreamGuard&) = delete;
+  StreamGuard& operator=(const StreamGuard&) = delete;
+
+ private:
+  ZYNSDK::ZynCamera& camera_;
+};
+
+struct Outcome {
+  int delivered = 0;
+  int incomplete = 0;
+  int width = 0;
+  int height = 0;
+  double seconds = 0;
+  std::string pixelFormat;
+  std::vector<std::string> files;
+
+  double FramesPerSecond() const { return seconds > 0 ? delivered / seconds : 0; }
+};
+
+std::string Number(const char* format, double value) {
+  char text[32];
+  std::snprintf(text, sizeof text, format, value);
+  return text;
+}
+
+std::string ProgressLine(const Outcome& outcome, int count) {
+  const std::string rate = Number("%.1f", outcome.FramesPerSecond()) + " frames/s";
+  if (count == 0) return std::to_string(outcome.delivered) + " frames, " + rate;
+  const int filled = outcome.delivered * kBarWidth / count;
+  return "[" + std::string(static_cast<std::size_t>(filled), '#') +
+         std::string(static_cast<std::size_t>(kBarWidth - filled), '.') + "] " +
+         std::to_string(outcome.delivered) + "/" + std::to_string(count) + "  " + rate;
+}
+
+std::string PixelFormatOf(Camera& camera) {
+  GenApi_3_4::INode* node = camera.NodeMap(0).GetNode("PixelFormat");
+  return node != nullptr ? ReadValue(*node).text : "";
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error || !std::filesystem::is_directory(folder)) {
+    throw Failure(kExitOutput,
+                  "cannot make the folder " + folder + ": " + (error ? error.message() : "it is a file"),
+                  "choose another one with --output");
+  }
+}
+
+void WriteRaw(const std::string& path, const ZYNSDK::ZynImage& image, const unsigned char* data) {
+  std::ofstream file(path, std::ios::binary);
+  file.write(reinterpret_cast<const char*>(data),
+             static_cast<std::streamsize>(image.Step()) * image.Height());
+  file.close();
+  if (file) return;
+  std::remove(path.c_str());
+  throw Failure(kExitOutput, "cannot write " + path, "is the disk full? choose another folder with --output");
+}
+
+/// Writes frames as files in the way the options ask for.
+class FrameWriter {
+ public:
+  FrameWriter(const GrabOptions& options, const std::string& pixelFormat)
+      : options_(options), layout_(LayoutOf(pixelFormat)) {
+    if (options.format == "none") return;
+    if (options.format == "png" && !layout_.known) {
+      throw Failure(kExitFailed, "the pixel format \"" + pixelFormat + "\" cannot be written as PNG",
+                    "use --format raw, or set PixelFormat to a Mono, Bayer or RGB8 format");
+    }
+    MakeFolder(options.folder);
+  }
+
+  /// Returns the path of the file, or "" when none is asked for.
+  std::string Write(ZYNSDK::ZynImage& image, int number) const {
+    if (options_.format == "none") return "";
+    const std::string path = options_.folder + "/image_" + Number("%05.0f", number) + "." + options_.format;
+    const unsigned char* data = image.ImageData();
+    if (data == nullptr)
+      throw Failure(kExitFailed, "the frame carries no image", "choose another payload on the camera");
+    if (options_.format == "raw") {
+      WriteRaw(path, image, data);
+    } else {
+      WritePng(path, data, image.Width(), image.Height(), static_cast<std::size_t>(image.Step()), layout_);
+    }
+    return path;
+  }
+
+ private:
+  const GrabOptions& options_;
+  PixelLayout layout_;
+};
+
+void Report(Console& console, const CommonOptions& common, const GrabOptions& options,
+            const Outcome& outcome) {
+  if (common.json) {
+    nlohmann::ordered_json json;
+    json["frames"] = outcome.delivered;
+    json["incomplete"] = outcome.incomplete;
+    json["width"] = outcome.width;
+    json["height"] = outcome.height;
+    json["pixelFormat"] = outcome.pixelFormat;
+    json["seconds"] = outcome.seconds;
+    json["framesPerSecond"] = outcome.FramesPerSecond();
+    json["files"] = outcome.files;
+    console.Line(json.dump(2));
+    return;
+  }
+  std::string line = std::to_string(outcome.delivered) + " frames of " + std::to_string(outcome.width) +
+                     " x " + std::to_string(outcome.height) + " " + outcome.pixelFormat + " in " +
+                     Number("%.2f", outcome.seconds) + " s (" + Number("%.1f", outcome.FramesPerSecond()) +
+                     " frames/s)";
+  if (outcome.incomplete > 0)
+    line += ", " + std::to_string(outcome.incomplete) + " incomplete frames left out";
+  if (!outcome.files.empty()) line += ", written to " + options.folder;
+  console.Line(line);
+}
+
+void GrabLoop(Console& console, ZYNSDK::ZynCamera& camera, const GrabOptions& options,
+              const FrameWriter& writer, Outcome& outcome) {
+  const auto start = Clock::now();
+  ZYNSDK::ZynImage image;
+  while (!g_interrupted && (options.count == 0 || outcome.delivered < options.count)) {
+    const long status = camera.GrabImage(&image, nullptr);
+    if (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME) {
+      ++outcome.incomplete;
+      continue;
+    }
+    if (g_interrupted) break;
+    if (status != 0) {
+      throw Failure::OfStatus("grab failed after " + std::to_string(outcome.delivered) + " frames", status);
+    }
+    ++outcome.delivered;
+    outcome.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    outcome.width = image.Width();
+    outcome.height = image.Height();
+    std::string file = writer.Write(image, outcome.delivered);
+    if (!file.empty()) outcome.files.push_back(std::move(file));
+    if (console.HasProgress()) console.Progress(ProgressLine(outcome, options.count));
+  }
+}
+
+}  // namespace
+
+bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions& options) {
+  const InterruptGuard interruptGuard;
+  Session session;
+  Camera camera = session.Select(common.camera);
+  ZYNSDK::ZynCamera& handle = camera.For2DGrab();
+  camera.Open();
+  Outcome outcome;
+  outcome.pixelFormat = PixelFormatOf(camera);
+  const FrameWriter writer(options, outcome.pixelFormat);
+  long status = handle.SetGrabTimeout(options.timeoutMs);
+  if (status != 0) throw Failure::OfStatus("cannot set the time-out", status);
+  // Every frame in order; the transport ends the stream by itself only when it is stopped, so no count is
+  // given.
+  status = handle.StartGrab(static_cast<ZYNSDK::ZynGrabStrategy>(0), 0);
+  if (status != 0) throw Failure::OfStatus("cannot start the stream", status);
+  {
+    const StreamGuard streamGuard(handle);
+    GrabLoop(console, handle, options, writer, outcome);
+  }
+  console.EndProgress();
+  Report(console, common, options, outcome);
+  return !g_interrupted;
+}
+
+}  // namespace zyncam

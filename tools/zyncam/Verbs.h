@@ -1,0 +1,50 @@
+/// What the tool can do. Each verb has its options and one function that carries it out or throws Failure.
+#ifndef ZYNCAM_VERBS_H
+#define ZYNCAM_VERBS_H
+
+#include <string>
+#include <vector>
+
+#include "Console.h"
+
+namespace zyncam {
+
+/// Options that every verb has.
+struct CommonOptions {
+  std::string
+      camera;  ///< serial number, user-defined name, address, MAC address or model; "" for the only one
+  bool json = false;
+};
+
+struct FeaturesOptions {
+  int map = 0;  ///< which node map: 0 camera, 1 local device, 2 transport layer, 3 interface, 4 data stream
+  bool flat = false;   ///< one sorted list instead of the tree of categories
+  int visibility = 2;  ///< 0 beginner, 1 expert, 2 guru, 3 invisible
+};
+
+struct AccessOptions {
+  int map = 0;
+  std::vector<std::string> features;  ///< names; for "set" NAME=VALUE
+  int timeoutMs = 5000;               ///< "exec" only
+};
+
+struct GrabOptions {
+  int count = 1;               ///< frames; 0 until interrupted
+  std::string folder = ".";    ///< where the files go; made when missing
+  std::string format = "png";  ///< "png", "raw" or "none"
+  int timeoutMs = 5000;        ///< per frame
+};
+
+void ListCameras(Console& console, const CommonOptions& common);
+void ShowInfo(Console& console, const CommonOptions& common);
+void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options);
+void GetFeatures(Console& console, const CommonOptions& common, const AccessOptions& options);
+void SetFeatures(Console& console, const CommonOptions& common, const AccessOptions& options);
+void ExecuteFeature(Console& console, const CommonOptions& common, const AccessOptions& options);
+
+/// Returns false when the person at the terminal ended it before the last frame.
+bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions& options);
+
+}  // namespace zyncam
+
+#endif

@@ -1,0 +1,206 @@
+/// zyncam: find cameras, look at them, set them up and grab images from the command line.
+#include <Base/GCException.h>
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "Console.h"
+#include "Failure.h"
+#include "Verbs.h"
+
+namespace zyncam {
+namespace {
+
+const std::map<std::string, int> kMaps = {
+    {"camera", 0}, {"device", 1}, {"transport-layer", 2}, {"interface", 3}, {"stream", 4}};
+const std::map<std::string, int> kVisibilities = {
+    {"beginner", 0}, {"expert", 1}, {"guru", 2}, {"invisible", 3}};
+
+constexpr const char* kFooter =
+    "Exit codes: 0 done, 1 the camera or the library refused, 2 wrong command line, 3 no such camera,\n"
+    "            4 no such feature or value, 5 a file could not be written, 130 interrupted.\n"
+    "With --json the result, or {\"error\": …}, is one JSON text on standard output.";
+
+/// Everything the command line can say.
+struct CommandLine {
+  CommonOptions common;
+  FeaturesOptions features;
+  AccessOptions access;
+  GrabOptions grab;
+  bool showTrace = false;
+  std::function<bool(Console&)> verb;  ///< returns false when it was interrupted
+};
+
+void AddJson(CLI::App* verb, CommandLine& line) {
+  verb->add_flag("--json", line.common.json, "Print the result as JSON");
+}
+
+void AddCamera(CLI::App* verb, CommandLine& line) {
+  verb->add_option(
+      "-c,--camera", line.common.camera,
+      "Serial number, user-defined name, address, MAC address or model; not needed when there is only one");
+  AddJson(verb, line);
+}
+
+void AddMap(CLI::App* verb, int& map) {
+  verb->add_option("-m,--map", map, "Whose features: the camera's own, or those of a module on this computer")
+      ->transform(CLI::CheckedTransformer(kMaps, CLI::ignore_case)
+                      .description("{camera,device,transport-layer,interface,stream}"));
+}
+
+void AddList(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("list", "List the cameras that answer");
+  AddJson(verb, line);
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      ListCameras(console, line.common);
+      return true;
+    };
+  });
+}
+
+void AddInfo(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("info", "Show everything that is known of a camera without opening it");
+  AddCamera(verb, line);
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      ShowInfo(console, line.common);
+      return true;
+    };
+  });
+}
+
+void AddFeatures(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("features", "Show a camera's features with their values and limits");
+  AddCamera(verb, line);
+  AddMap(verb, line.features.map);
+  verb->add_flag("--flat", line.features.flat, "One sorted list instead of the tree of categories");
+  verb->add_option("--visibility", line.features.visibility, "Up to which level features are shown (guru)")
+      ->transform(CLI::CheckedTransformer(kVisibilities, CLI::ignore_case)
+                      .description("{beginner,expert,guru,invisible}"));
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      ShowFeatures(console, line.common, line.features);
+      return true;
+    };
+  });
+}
+
+using AccessVerb = void (*)(Console&, const CommonOptions&, const AccessOptions&);
+
+CLI::App* AddAccess(CLI::App& app, CommandLine& line, const char* name, const char* what, AccessVerb run) {
+  CLI::App* verb = app.add_subcommand(name, what);
+  AddCamera(verb, line);
+  AddMap(verb, line.access.map);
+  verb->callback([&line, run] {
+    line.verb = [&line, run](Console& console) {
+      run(console, line.common, line.access);
+      return true;
+    };
+  });
+  return verb;
+}
+
+void AddAccessVerbs(CLI::App& app, CommandLine& line) {
+  AddAccess(app, line, "get", "Read features", &GetFeatures)
+      ->add_option("FEATURE", line.access.features, "Names, for example Width ExposureTime")
+      ->required();
+  AddAccess(app, line, "set", "Write features, in the order given", &SetFeatures)
+      ->add_option("FEATURE=VALUE", line.access.features,
+                   "Assignments, for example Width=640 ExposureTime=5000")
+      ->required();
+  CLI::App* exec =
+      AddAccess(app, line, "exec", "Execute a command and wait until it is done", &ExecuteFeature);
+  exec->add_option("COMMAND", line.access.features, "Its name, for example TriggerSoftware")
+      ->required()
+      ->expected(1);
+  exec->add_option("-t,--timeout", line.access.timeoutMs, "How long to wait, in milliseconds (5000)")
+      ->check(CLI::Range(1, 3600000));
+}
+
+void AddGrab(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("grab", "Grab images and write them to files");
+  AddCamera(verb, line);
+  verb->add_option("-n,--count", line.grab.count, "How many images (1); 0 until Ctrl-C")
+      ->check(CLI::Range(0, 100000000));
+  verb->add_option("-o,--output", line.grab.folder, "Folder for the files, made when missing (this one)");
+  verb->add_option("-f,--format", line.grab.format,
+                   "File format (png); raw: the bytes as they came; none: no files")
+      ->check(CLI::IsMember({"png", "raw", "none"}));
+  verb->add_option("-t,--timeout", line.grab.timeoutMs,
+                   "How long to wait for each image, in milliseconds (5000)")
+      ->check(CLI::Range(1, 3600000));
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) { return GrabImages(console, line.common, line.grab); };
+  });
+}
+
+int ReportFailure(Console& console, const CommandLine& line, const Failure& failure) {
+  console.EndProgress();
+  if (line.common.json) {
+    nlohmann::ordered_json error;
+    error["message"] = failure.what();
+    error["status"] = failure.Status();
+    error["advice"] = failure.Advice();
+    console.Line(nlohmann::ordered_json{{"error", error}}.dump(2));
+    return failure.Exit();
+  }
+  Console::Note(std::string("zyncam: ") + failure.what());
+  if (!failure.Advice().empty()) Console::Note("        " + failure.Advice());
+  return failure.Exit();
+}
+
+int RunVerb(Console& console, const CommandLine& line) {
+  try {
+    return line.verb(console) ? kExitOk : kExitInterrupted;
+  } catch (const Failure& failure) {
+    return ReportFailure(console, line, failure);
+  } catch (const GenICam_3_4::GenericException& error) {
+    return ReportFailure(console, line, Failure(kExitFailed, error.GetDescription()));
+  } catch (const std::exception& error) {
+    return ReportFailure(console, line, Failure(kExitFailed, error.what()));
+  }
+}
+
+bool HasVerb(const CLI::App& app, const std::string& name) {
+  const std::vector<const CLI::App*> verbs =
+      app.get_subcommands([&name](const CLI::App* verb) { return verb->get_name() == name; });
+  return !verbs.empty();
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app("Finds industrial cameras, reads and writes their features, and grabs images.", "zyncam");
+  app.footer(kFooter);
+  app.require_subcommand(1);
+  app.fallthrough();
+  CommandLine line;
+  app.add_flag("--trace", line.showTrace, "Show the library's trace lines on standard error");
+  AddList(app, line);
+  AddInfo(app, line);
+  AddFeatures(app, line);
+  AddAccessVerbs(app, line);
+  AddGrab(app, line);
+  if (argc > 1 && argv[1][0] != '-' && !HasVerb(app, argv[1])) {
+    Console::Note(std::string("zyncam: there is no verb \"") + argv[1] + "\"; 'zyncam --help' lists them");
+    return kExitUsage;
+  }
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kExitOk : kExitUsage;
+  }
+  Console console(line.showTrace);
+  return RunVerb(console, line);
+}
+
+}  // namespace
+}  // namespace zyncam
+
+int main(int argc, char** argv) {
+  return zyncam::Run(argc, argv);
+}
