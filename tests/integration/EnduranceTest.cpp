@@ -1,0 +1,58 @@
+#include <ZynCamera.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "Chain.h"
+#include "FakeGigeCamera.h"
+#include "ProcessUsage.h"
+
+namespace {
+
+constexpr int kRounds = 200;
+constexpr int kWarmUpRounds = 40;
+constexpr std::size_t kAllowedGrowthKiB =
+    2048;  // less than the frames of one round; a leak per round shows many times over
+
+void OneRound() {
+  ZYNSDK::ZynCamera camera = chain::Find("GV01");
+  ASSERT_EQ(camera.Open(nullptr), 0);
+  ASSERT_EQ(camera.StartGrab(ZYNSDK::ZYN_GRAB_ONE_BY_ONE, 0), 0);
+  ZYNSDK::ZynImage image;
+  EXPECT_EQ(camera.GrabImage(&image, nullptr), 0);
+  EXPECT_EQ(camera.StopGrab(), 0);
+  EXPECT_EQ(camera.Close(), 0);
+}
+
+/// The usage once what the last close left to a thread in the background is done: when it has come down to `threads`, or
+/// has not changed for a second; after 10 seconds in any case.
+zyntest::ProcessUsage UsageAtRest(std::size_t threads) {
+  zyntest::ProcessUsage usage = zyntest::CurrentUsage();
+  auto unchangedSince = std::chrono::steady_clock::now();
+  const auto deadline = unchangedSince + std::chrono::seconds(10);
+  for (auto now = unchangedSince; now < deadline; now = std::chrono::steady_clock::now()) {
+    const zyntest::ProcessUsage latest = zyntest::CurrentUsage();
+    if (latest.threads != usage.threads || latest.fileDescriptors != usage.fileDescriptors)
+      unchangedSince = now;
+    usage = latest;
+    if (usage.threads == threads || now - unchangedSince > std::chrono::seconds(1)) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  return usage;
+}
+
+TEST(Endurance, TwoHundredRoundsOfDiscoverOpenGrabCloseGrowNothing) {
+  const zyntest::FakeGigeCamera fake(1);
+  for (int i = 0; i < kWarmUpRounds; ++i) ASSERT_NO_FATAL_FAILURE(OneRound()) << "round " << i;
+  const zyntest::ProcessUsage before = UsageAtRest(0);
+  for (int i = kWarmUpRounds; i < kRounds; ++i) ASSERT_NO_FATAL_FAILURE(OneRound()) << "round " << i;
+  const zyntest::ProcessUsage after = UsageAtRest(before.threads);
+  EXPECT_EQ(after.threads, before.threads);
+  EXPECT_EQ(after.fileDescriptors, before.fileDescriptors);
+  EXPECT_LE(after.residentKiB, before.residentKiB + kAllowedGrowthKiB);
+  RecordProperty("residentKiBBefore", static_cast<int>(before.residentKiB));
+  RecordProperty("residentKiBAfter", static_cast<int>(after.residentKiB));
+}
+
+}  // namespace

@@ -1,0 +1,45 @@
+/// A program that a test starts and ends.
+#ifndef ZYN_TEST_CHILD_PROCESS_H
+#define ZYN_TEST_CHILD_PROCESS_H
+
+#include <sys/types.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace zyntest {
+
+/// Owns one running program. Ends it when it goes, and never leaves one behind: the program also ends when
+/// this process dies.
+class ChildProcess {
+ public:
+  /// Starts arguments[0] (looked up on PATH) with its output discarded. Throws std::runtime_error when it
+  /// cannot start.
+  explicit ChildProcess(const std::vector<std::string>& arguments);
+  ~ChildProcess();
+  ChildProcess(const ChildProcess&) = delete;
+  ChildProcess& operator=(const ChildProcess&) = delete;
+
+  bool IsRunning();
+  /// Sends a signal and waits until the program has ended. Does nothing when it has.
+  void End(int signal);
+
+ private:
+  pid_t pid_ = -1;
+};
+
+/// What a program that ran to its end left.
+struct Finished {
+  int exitCode = -1;  ///< 128 + signal when it was ended by one
+  std::string out;
+  std::string err;
+};
+
+/// Runs a program to its end. environment: variables to add or replace.
+Finished RunToEnd(const std::vector<std::string>& arguments,
+                  const std::map<std::string, std::string>& environment = {});
+
+}  // namespace zyntest
+
+#endif

@@ -1,0 +1,34 @@
+#include "ProcessUsage.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace zyntest {
+namespace {
+
+std::size_t EntriesOf(const char* folder) {
+  std::size_t count = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    (void)entry;
+    ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+ProcessUsage CurrentUsage() {
+  ProcessUsage usage;
+  usage.threads = EntriesOf("/proc/self/task");
+  usage.fileDescriptors = EntriesOf("/proc/self/fd");
+  std::ifstream statm("/proc/self/statm");
+  std::size_t total = 0;
+  std::size_t residentPages = 0;
+  statm >> total >> residentPages;
+  usage.residentKiB = residentPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
+  return usage;
+}
+
+}  // namespace zyntest
