@@ -1,0 +1,200 @@
+#include "ReadyTransport.h"
+
+#include <GenApi/GenApi.h>
+#include <GevIpLib.h>
+#include <KELGeniCam.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace ready {
+namespace {
+
+constexpr int kRowBytes = 2048;
+
+constexpr const char* kDescription = R"(<?xml version="1.0" encoding="utf-8"?>
+<RegisterDescription ModelName="Ready" VendorName="Bench" ToolTip="" StandardNameSpace="None" SchemaMajorVersion="1"
+  SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
+  ProductGuid="1F3C6A72-7ACD-4F49-9C51-3D6A1D0C5B10" VersionGuid="1F3C6A72-7ACD-4F49-9C51-3D6A1D0C5B11"
+  xmlns="http://www.genicam.org/GenApi/Version_1_1">
+  <Category Name="Root"><pFeature>Width</pFeature></Category>
+  <Integer Name="Width"><pValue>WidthReg</pValue><Min>0</Min><Max>4096</Max></Integer>
+  <IntReg Name="WidthReg"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+    <Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Port Name="Device"/>
+</RegisterDescription>)";
+
+/// Registers in memory.
+class MemoryPort : public GenApi_3_4::IPort {
+ public:
+  GenApi_3_4::EAccessMode GetAccessMode() const override { return GenApi_3_4::RW; }
+  void Read(void* buffer, std::int64_t address, std::int64_t length) override {
+    std::memcpy(buffer, registers_.data() + address, static_cast<std::size_t>(length));
+  }
+  void Write(const void* buffer, std::int64_t address, std::int64_t length) override {
+    std::memcpy(registers_.data() + address, buffer, static_cast<std::size_t>(length));
+  }
+
+ private:
+  std::array<std::uint8_t, 64> registers_{};
+};
+
+std::vector<unsigned char>& Frame() {
+  static std::vector<unsigned char> frame;
+  return frame;
+}
+
+class ReadyImage : public KELGENICAM::IImage {
+ public:
+  bool IsValid() override { return true; }
+  long long FrameID() override { return 1; }
+  int Width() override { return kRowBytes; }
+  int Height() override { return static_cast<int>(Frame().size() / kRowBytes); }
+  void Chunks(std::list<KELGENICAM::IChunk*>& chunks) override { chunks.clear(); }
+  int Channels() override { return 1; }
+  int Step() override { return kRowBytes; }
+  unsigned char* Data() override { return Frame().data(); }
+  void Release() override {}
+};
+
+class Holder : public KELGENICAM::INodeMapHolder {
+ public:
+  Holder() {
+    map_._LoadXMLFromString(kDescription);
+    map_._Connect(&port_, "Device");
+  }
+  GenApi_3_4::INodeMap* NodeMap() override { return map_._Ptr; }
+
+ private:
+  MemoryPort port_;
+  GenApi_3_4::CNodeMapRef map_;
+};
+
+class ReadyCamera : public KELGENICAM::ICamera {
+ public:
+  int Open(int) override { return 0; }
+  int Close() override { return 0; }
+  bool IsOpen() override { return true; }
+  bool IsOnline() override { return true; }
+  int StartGrabbing(KELGENICAM::GRAB_STRATEGY, int) override {
+    grabbing_ = true;
+    return 0;
+  }
+  int StopGrabbing() override {
+    grabbing_ = false;
+    return 0;
+  }
+  bool IsGrabbing() override { return grabbing_; }
+  int Grab(KELGENICAM::IImage** image, int) override {
+    *image = &image_;
+    return 0;
+  }
+  KELGENICAM::INodeMapHolder* TLNodeMap() override { return nullptr; }
+  KELGENICAM::INodeMapHolder* InterfaceNodeMap() override { return nullptr; }
+  KELGENICAM::INodeMapHolder* LocalDeviceNodeMap() override { return nullptr; }
+  KELGENICAM::INodeMapHolder* RemoteDeviceNodeMap() override { return &remote_; }
+  KELGENICAM::INodeMapHolder* DataStreamNodeMap() override { return nullptr; }
+  int SetCLCameraParam(const char*, const char*) override { return 0; }
+  int RegisterNotify(KELGENICAM::NOTIFY_SRC, KELGENICAM::NOTIFY_TYPE, KELGENICAM::INotify*) override {
+    return 0;
+  }
+  void Release() override { delete this; }
+
+ private:
+  bool grabbing_ = false;
+  ReadyImage image_;
+  Holder remote_;
+};
+
+class ReadyInfo : public KELGENICAM::ICameraInfo {
+ public:
+  explicit ReadyInfo(std::size_t number) {
+    std::array<char, 24> text{};
+    std::snprintf(text.data(), text.size(), "R%04zu", number);
+    serial_ = text.data();
+  }
+  unsigned int ProtocolType() override { return KELGENICAM::PROTOCOL_USB3_VISION; }
+  int DeviceState() override { return KELGENICAM::DEVICE_STATE_READWRITE; }
+  const char* CameraID() override { return serial_.c_str(); }
+  const char* SerialNumber() override { return serial_.c_str(); }
+  const char* ManufacturerName() override { return "Bench"; }
+  const char* ModelName() override { return "Ready"; }
+  const char* CameraName() override { return "Ready"; }
+  const char* UserDefinedName() override { return ""; }
+  const char* DeviceVersion() override { return "1"; }
+  const char* InterfaceID() override { return "bench"; }
+  const char* Text(int) override { return ""; }
+  void CopyFrom(const KELGENICAM::ICameraInfo&) override {}
+
+ private:
+  std::string serial_;
+};
+
+std::vector<std::unique_ptr<ReadyInfo>>& Infos() {
+  static std::vector<std::unique_ptr<ReadyInfo>> infos;
+  return infos;
+}
+
+std::size_t& VisibleCount() {
+  static std::size_t count = 0;
+  return count;
+}
+
+}  // namespace
+
+void SetCameraCount(std::size_t count) {
+  while (Infos().size() < count) Infos().push_back(std::make_unique<ReadyInfo>(Infos().size()));
+  VisibleCount() = count;
+}
+
+void SetFrameBytes(std::size_t bytes) {
+  Frame().assign(bytes, 0x5a);
+}
+
+const unsigned char* FrameData() {
+  return Frame().data();
+}
+
+}  // namespace ready
+
+namespace KELGENICAM {
+
+int Init() {
+  return 0;
+}
+int UnInit() {
+  return 0;
+}
+int Discovery(const char*, std::list<ICameraInfo*>& found) {
+  found.clear();
+  for (std::size_t i = 0; i < ready::VisibleCount(); ++i) found.push_back(ready::Infos()[i].get());
+  return 0;
+}
+int DiscoveryByTLType(unsigned long, std::list<ICameraInfo*>& found) {
+  return Discovery(nullptr, found);
+}
+ICamera* CreateCamera(ICameraInfo*) {
+  return new ready::ReadyCamera;
+}
+ICamera* CreateCameraBySN(const std::string&) {
+  return new ready::ReadyCamera;
+}
+int GetCLProtocols(std::list<std::string>&) {
+  return 0;
+}
+int GetCLSerials(std::list<std::string>&) {
+  return 0;
+}
+void LoadReport(std::list<LoadReportEntry>& entries) {
+  entries.clear();
+}
+
+}  // namespace KELGENICAM
+
+int SetCameraIP(const std::string&, const std::string&, const std::string&, const std::string&, bool) {
+  return 0;
+}
