@@ -1,8 +1,51 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs every test.
+# Installs what is missing, builds, and runs every check.
+#
+#   scripts/test.sh          everything: formatting, static analysis, all tests in the release build, with address and
+#                            undefined-behaviour sanitizers, and with the thread sanitizer
+#   scripts/test.sh --quick  all tests in the release build only
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+quick=no
+case "${1:-}" in
+  "") ;;
+  --quick) quick=yes ;;
+  *) echo "usage: scripts/test.sh [--quick]" >&2; exit 2 ;;
+esac
+
+step() { printf '\n== %s (%d min)\n' "$1" $((SECONDS / 60)); }
+
+# build_and_test <preset> [ctest options]
+build_and_test() {
+  local preset=$1
+  shift
+  step "$preset: build"
+  cmake --preset "$preset" >/dev/null
+  cmake --build --preset "$preset"
+  step "$preset: tests"
+  ctest --preset "$preset" -j "$(nproc)" --no-tests=error "$@"
+}
+
+step "packages"
 scripts/install-deps.sh
-cmake --preset release >/dev/null
-cmake --build --preset release
-ctest --preset release -j "$(nproc)"
+
+if [[ $quick == no ]]; then
+  step "formatting"
+  git ls-files '*.h' '*.c' '*.cpp' | xargs clang-format-14 --dry-run -Werror
+fi
+
+build_and_test release
+
+if [[ $quick == no ]]; then
+  build_and_test asan
+  # The libraries below the real producer are not instrumented, so the thread sanitizer cannot follow them: the tests over
+  # the whole chain run without it, everything of ours runs with it.
+  build_and_test tsan -LE integration
+
+  step "static analysis"
+  git ls-files 'src/*.cpp' 'platform/*.cpp' 'tools/*.cpp' |
+    xargs -P "$(nproc)" -n 4 clang-tidy-14 --quiet -p build/asan 2>/dev/null
+
+  step "all checks passed"
+fi
