@@ -63,8 +63,9 @@ class LogicCamera {
 
   ZynCameraAttribute* Attribute();  ///< a new handle, owned by the caller, on a record owned by the camera
   bool Is3DCamera();
-  /// Takes the description of a later search. The previous one takes over its content, so whoever still reads
-  /// that sees the present state too. Earlier records stay readable for the handles on them; a description
+  /// Takes the description of a later search. The previous one takes over its content where the transport
+  /// allows it, which is for the same device on the same adapter; whoever still reads that sees the present
+  /// state too. Earlier records stay readable for the handles on them; a description
   /// seen before gets its record back, so searching for a year does not grow memory. Not for two threads at
   /// once.
   void replaceAttribute(KELGENICAM::ICameraInfo* info);

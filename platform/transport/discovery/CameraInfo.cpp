@@ -12,6 +12,9 @@ const char* CameraInfo::Text(int index) {
 void CameraInfo::CopyFrom(const ICameraInfo& newer) {
   const CameraInfo* source = InfoStore::Instance().Find(&newer);
   if (!source || source == this) return;
+  // Taking over another device's description would leave this device without an object of its own: each search
+  // would then publish a new one, for ever.
+  if (source->Description().key != Description().key) return;
   description_.store(source->description_.load(std::memory_order_acquire), std::memory_order_release);
 }
 

@@ -151,8 +151,9 @@ class ICameraInfo {
   virtual const char* DeviceVersion() = 0;
   virtual const char* InterfaceID() = 0;
   virtual const char* Text(int index) = 0;  ///< a CAMERA_TEXT; "" for an index that does not exist
-  /// From now on this object reports what `newer` reports. Does nothing when both are the same object, or
-  /// when `newer` does not come from this library.
+  /// From now on this object reports what `newer` reports. Does nothing when both are the same object, when
+  /// `newer` does not come from this library, or when it describes another device: one on another interface or
+  /// of another producer is another device even if its serial number is the same.
   virtual void CopyFrom(const ICameraInfo& newer) = 0;
 };
 

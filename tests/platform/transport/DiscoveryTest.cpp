@@ -1,4 +1,5 @@
 #include <latch>
+#include <set>
 #include <thread>
 
 #include "TransportFixture.h"
@@ -138,6 +139,25 @@ TEST_F(DiscoveryTest, ACameraThatKeepsChangingBetweenTwoStatesDoesNotGrowMemory)
   seen.sort();
   seen.unique();
   EXPECT_LE(seen.size(), 4U);
+}
+
+TEST_F(DiscoveryTest, OneSerialNumberOnTwoInterfacesStaysTwoObjectsWhateverIsCopiedAcross) {
+  mock_.SetInterfaces({MockInterface{"a", "GEV", {MockDevice{"near", "SN1"}}},
+                       MockInterface{"b", "GEV", {MockDevice{"far", "SN1"}}}});
+  ASSERT_EQ(Init(), RESULT_OK);
+  std::set<ICameraInfo*> seen;
+  ICameraInfo* latest = nullptr;
+  for (int i = 0; i < 100; ++i) {
+    const InfoList found = Discover();
+    ASSERT_EQ(found.size(), 2U);
+    EXPECT_EQ(Ids(found), (std::vector<std::string>{"near", "far"}));
+    for (ICameraInfo* info : found) {
+      if (latest) latest->CopyFrom(*info);
+      latest = info;
+      seen.insert(info);
+    }
+  }
+  EXPECT_EQ(seen.size(), 2U);
 }
 
 class ForeignInfo : public ICameraInfo {

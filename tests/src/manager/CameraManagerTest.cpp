@@ -194,6 +194,21 @@ TEST_F(CameraManagerTest, ACameraReportedTwiceIsRefreshedTwice) {
   EXPECT_EQ(a.calls.Count("CopyFrom"), 1);
 }
 
+TEST_F(CameraManagerTest, ACameraReportedTwiceInEverySearchKeepsTwoRecords) {
+  FakeCameraInfo twice("A", "Area-1");
+  transport.present = {&a, &twice};
+  std::set<void*> records;
+  for (int i = 0; i < 100; ++i) {
+    manager.SearchCameras();
+    const std::unique_ptr<ZynCameraAttribute> attribute(manager.FindCamera("A")->Attribute());
+    records.insert(InternalOf(*attribute));
+    manager.FindCamera("A")->replaceAttribute(&a);
+    const std::unique_ptr<ZynCameraAttribute> other(manager.FindCamera("A")->Attribute());
+    records.insert(InternalOf(*other));
+  }
+  EXPECT_EQ(records.size(), 2U);
+}
+
 TEST_F(CameraManagerTest, ACameraWithoutASerialNumberIsKnownByTheEmptyOne) {
   FakeCameraInfo nameless(nullptr, "Area-1");
   transport.present = {&nameless};
