@@ -64,7 +64,7 @@ enum ACCESS_MODE {
 };
 
 /// Which frames a grab delivers when the application is slower than the camera.
-enum GRAB_STRATEGY {
+enum GRAB_STRATEGY : int {
   GRAB_ONE_BY_ONE = 0,     ///< every frame, in order; frames are dropped only when no buffer is free
   GRAB_LATEST_ONLY = 1,    ///< only the newest frame; older ones that nobody fetched are dropped
   GRAB_LATEST = 2,         ///< the newest few frames, oldest first; older ones are dropped
@@ -108,7 +108,7 @@ enum RESULT {
 };
 
 /// Where a notification comes from.
-enum NOTIFY_SRC {
+enum NOTIFY_SRC : int {
   NOTIFY_SRC_TRANSPORT_LAYER = 0,
   NOTIFY_SRC_INTERFACE = 1,
   NOTIFY_SRC_LOCAL_DEVICE = 2,
@@ -117,7 +117,7 @@ enum NOTIFY_SRC {
 };
 
 /// What a notification tells.
-enum NOTIFY_TYPE {
+enum NOTIFY_TYPE : int {
   NOTIFY_DEVICE_LOST = 0,          ///< no data
   NOTIFY_FEATURE_INVALIDATED = 1,  ///< data: the feature's name
   NOTIFY_DEVICE_EVENT = 2,         ///< data: the event as the device sent it

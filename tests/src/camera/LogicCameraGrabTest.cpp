@@ -5,6 +5,7 @@
 #include <latch>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "FakeTransport.h"
@@ -262,6 +263,20 @@ TEST_F(LogicCameraGrab, StartPassesStrategyAndCountUnchanged) {
   EXPECT_EQ(camera.StartGrab(ZYN_GRAB_UPCOMING_IMAGE, 3), ZYN_OK);
   EXPECT_EQ(device.strategy, KELGENICAM::GRAB_UPCOMING_IMAGE);
   EXPECT_EQ(device.count, 3);
+}
+
+TEST_F(LogicCameraGrab, AStrategyOrCountThatMeansNothingPassesUnchangedToo) {
+  // Only an enumeration with a fixed type can hold any number; without one the conversion is undefined.
+  static_assert(std::is_same_v<std::underlying_type_t<KELGENICAM::GRAB_STRATEGY>, int>);
+  static_assert(std::is_same_v<std::underlying_type_t<KELGENICAM::NOTIFY_SRC>, int>);
+  static_assert(std::is_same_v<std::underlying_type_t<KELGENICAM::NOTIFY_TYPE>, int>);
+  camera.StopGrab();
+  EXPECT_EQ(camera.StartGrab(static_cast<ZynGrabStrategy>(7), 1), ZYN_OK);
+  EXPECT_EQ(static_cast<int>(device.strategy), 7);
+  camera.StopGrab();
+  EXPECT_EQ(camera.StartGrab(static_cast<ZynGrabStrategy>(-1), -5), ZYN_OK);
+  EXPECT_EQ(static_cast<int>(device.strategy), -1);
+  EXPECT_EQ(device.count, -5);
 }
 
 TEST_F(LogicCameraGrab, ExceptionsInStartAndStopAreCodes) {
