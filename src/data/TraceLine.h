@@ -5,7 +5,8 @@
 
 namespace ZYNSDK {
 
-/// Writes one line to standard output and flushes it, in one piece, so lines of several threads do not mix.
+/// Writes one line to standard output and flushes it, in one piece, so lines of several threads do not mix. A
+/// line that cannot be written is lost; the state of std::cout does not matter.
 void TraceLine(const std::string& line);
 
 }  // namespace ZYNSDK
