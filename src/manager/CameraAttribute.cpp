@@ -154,7 +154,8 @@ const char* CameraAttribute::Usb3FamilyName() const {
 // SpeedSupportReadsTheFieldTwiceAndAnswersZero.
 int CameraAttribute::Usb3SpeedSupport() const {
   if (!IsOf(PROTOCOL_USB3_VISION)) return 0;
-  if (info_->Text(TEXT_USB_SPEED_SUPPORT)) info_->Text(TEXT_USB_SPEED_SUPPORT);
+  info_->Text(TEXT_USB_SPEED_SUPPORT);
+  info_->Text(TEXT_USB_SPEED_SUPPORT);
   return 0;
 }
 

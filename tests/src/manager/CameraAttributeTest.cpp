@@ -194,6 +194,10 @@ TEST_F(CameraAttributeTest, SpeedSupportReadsTheFieldTwiceAndAnswersZero) {
   info.protocol = kUsb3;
   EXPECT_EQ(handle.SpeedSupport(), 0);
   EXPECT_EQ(info.calls.Names(), (std::vector<std::string>{"Text9", "Text9"}));
+  info.texts[9] = nullptr;
+  info.calls.Clear();
+  EXPECT_EQ(handle.SpeedSupport(), 0);
+  EXPECT_EQ(info.calls.Names(), (std::vector<std::string>{"Text9", "Text9"}));
   info.protocol = kGigE;
   info.calls.Clear();
   EXPECT_EQ(handle.SpeedSupport(), 0);
