@@ -25,6 +25,15 @@ class CRef {
     return true;
   }
 
+  /// Gives the reference back only if it is the last; otherwise the count stays as it is. True when the object
+  /// is gone. Between giving back and taking again, others could drop theirs: this has no such moment.
+  bool ReleaseIfLast() noexcept {
+    std::int64_t last = 1;
+    if (!count_.compare_exchange_strong(last, 0, std::memory_order_acq_rel)) return false;
+    delete this;
+    return true;
+  }
+
  private:
   std::atomic<std::int64_t> count_{1};
 };

@@ -15,8 +15,12 @@ ZynImage::ZynImage(const ZynImage& other) : image_(other.image_) {
 // Design decision: releases before it takes, also from itself, so the last reference assigned to itself loses
 // its image. Pinned by AssigningTheLastReferenceToItselfDropsTheImage.
 ZynImage& ZynImage::operator=(const ZynImage& other) {  // NOLINT(bugprone-unhandled-self-assignment)
-  const bool isGone = image_ && image_->Release();
-  image_ = isGone && this == &other ? nullptr : other.image_;
+  if (this == &other) {
+    if (image_ && image_->ReleaseIfLast()) image_ = nullptr;
+    return *this;
+  }
+  if (image_) image_->Release();
+  image_ = other.image_;
   if (image_) image_->AddRef();
   return *this;
 }

@@ -3,6 +3,8 @@
 #include <climits>
 #include <cstdio>
 #include <filesystem>
+#include <latch>
+#include <memory>
 #include <new>
 #include <string>
 #include <thread>
@@ -188,6 +190,40 @@ TEST(ZynImage, AssigningASharedImageToItselfKeepsIt) {
   image = alias;
   EXPECT_EQ(Content(image), Pixels(30));
   EXPECT_EQ(Content(other), Pixels(30));
+}
+
+TEST(CRef, ReleasingIfLastGivesBackOnlyTheLastReference) {
+  struct Counted : CRef {
+    explicit Counted(bool& flag) : isGone(flag) {}
+    ~Counted() override { isGone = true; }
+    bool& isGone;
+  };
+  bool isGone = false;
+  auto* object = new Counted(isGone);
+  object->AddRef();
+  EXPECT_FALSE(object->ReleaseIfLast());
+  EXPECT_FALSE(object->Release());  // the refusal kept both references
+  EXPECT_FALSE(isGone);
+  EXPECT_TRUE(object->ReleaseIfLast());
+  EXPECT_TRUE(isGone);
+}
+
+TEST(ZynImage, MayBeAssignedToItselfWhileTheOtherReferenceEnds) {
+  constexpr int kRounds = 2000;
+  for (int i = 0; i < kRounds; ++i) {
+    ZynImage image = Small();
+    const ZynImage& alias = image;
+    std::latch both(2);
+    std::thread other([&both, copy = std::make_unique<ZynImage>(image)]() mutable {
+      both.arrive_and_wait();
+      copy.reset();
+    });
+    both.arrive_and_wait();
+    image = alias;
+    other.join();
+    // Kept, or dropped as the last reference: never an image that is gone.
+    if (InternalOf(image)) EXPECT_EQ(Content(image), Pixels(30));
+  }
 }
 
 TEST(ZynImage, ReferencesMayEndOnDifferentThreads) {
