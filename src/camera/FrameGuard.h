@@ -1,8 +1,7 @@
 #ifndef ZYN_CAMERA_FRAME_GUARD_H
 #define ZYN_CAMERA_FRAME_GUARD_H
 
-#include <exception>
-
+#include "GiveBack.h"
 #include "KELGeniCam.h"
 
 namespace ZYNSDK {
@@ -16,15 +15,7 @@ class FrameGuard {
   FrameGuard(const FrameGuard&) = delete;
   FrameGuard& operator=(const FrameGuard&) = delete;
   ~FrameGuard() noexcept(false) {
-    if (!frame_) return;
-    if (std::uncaught_exceptions() == exceptionsInFlight_) {
-      frame_->Release();
-      return;
-    }
-    try {
-      frame_->Release();
-    } catch (...) {  // the exception already on its way is the one to report
-    }
+    if (frame_) giveBack_([this] { frame_->Release(); });
   }
 
   KELGENICAM::IImage** Slot() { return &frame_; }  ///< where the transport puts the frame
@@ -35,7 +26,7 @@ class FrameGuard {
 
  private:
   KELGENICAM::IImage* frame_ = nullptr;
-  const int exceptionsInFlight_ = std::uncaught_exceptions();
+  GiveBack giveBack_;
 };
 
 }  // namespace ZYNSDK

@@ -1,8 +1,7 @@
 #ifndef ZYN_DEVICE_BORROW_H
 #define ZYN_DEVICE_BORROW_H
 
-#include <exception>
-
+#include "GiveBack.h"
 #include "KELGeniCam.h"
 #include "PhysicCamera.h"
 
@@ -15,19 +14,11 @@ namespace ZYNSDK {
 /// transport camera, which may throw; that is let out, unless another exception is already on its way.
 class Borrow {
  public:
-  explicit Borrow(PhysicCamera& owner)
-      : owner_(owner), record_(owner.Ref()), exceptionsInFlight_(std::uncaught_exceptions()) {}
+  explicit Borrow(PhysicCamera& owner) : owner_(owner), record_(owner.Ref()) {}
   Borrow(const Borrow&) = delete;
   Borrow& operator=(const Borrow&) = delete;
   ~Borrow() noexcept(false) {
-    if (std::uncaught_exceptions() == exceptionsInFlight_) {
-      owner_.UnRef(record_);
-      return;
-    }
-    try {
-      owner_.UnRef(record_);
-    } catch (...) {  // the exception already on its way is the one to report
-    }
+    giveBack_([this] { owner_.UnRef(record_); });
   }
 
   explicit operator bool() const { return record_ != nullptr; }
@@ -37,7 +28,7 @@ class Borrow {
  private:
   PhysicCamera& owner_;
   RefCamera* record_;
-  int exceptionsInFlight_;
+  GiveBack giveBack_;
 };
 
 }  // namespace ZYNSDK

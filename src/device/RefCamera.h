@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "GiveBack.h"
+
 namespace KELGENICAM {
 class ICamera;
 }
@@ -28,7 +30,7 @@ class TransportCamera {
 
  private:
   KELGENICAM::ICamera* camera_;
-  int exceptionsInFlight_;
+  GiveBack giveBack_;
 };
 
 /// One opened transport camera and how many use it. Made by PhysicCamera::NewRefCam, destroyed by whoever

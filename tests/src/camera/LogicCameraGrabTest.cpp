@@ -222,6 +222,15 @@ TEST_F(LogicCameraGrab, AFrameWhoseReleaseThrowsIsACodeToo) {
   EXPECT_EQ(frame.Releases(), 1);
 }
 
+TEST_F(LogicCameraGrab, AFrameWhoseChunksAndReleaseThrowIsOneCodeAndOneRelease) {
+  FakeImage frame(4, 3, 1, 10);
+  frame.throwsOnChunks = true;
+  frame.throwsOnRelease = true;
+  device.Deliver(0, &frame);
+  EXPECT_EQ(camera.Grab(&image, &chunk), ZYN_ERROR_EXCEPTION);
+  EXPECT_EQ(frame.Releases(), 1);
+}
+
 TEST_F(LogicCameraGrab, AFrameWithoutPixelsStillGivesAnImageOfItsShape) {
   FakeImage frame(4, 3, 1, 10);
   frame.throwsOnData = true;

@@ -245,6 +245,28 @@ TEST_F(PhysicCameraTest, ReleaseThatThrowsWhileClosingReachesTheCaller) {
   EXPECT_EQ(device.Close(), ZYN_ERROR_NOT_OPEN);
 }
 
+TEST_F(PhysicCameraTest, OfTwoFailuresWhileClosingTheFirstIsReported) {
+  Open();
+  camera.hook = [](const std::string& call) {
+    if (call == "Close") throw std::logic_error("first");
+    if (call == "Release") throw std::runtime_error("second");
+  };
+  EXPECT_THROW(device.Close(), std::logic_error);
+  EXPECT_EQ(camera.Releases(), 1);
+  EXPECT_FALSE(device.IsOpen(&info));
+  EXPECT_EQ(device.Close(), ZYN_ERROR_NOT_OPEN);
+}
+
+TEST_F(PhysicCameraTest, OfTwoFailuresWhileOpeningTheFirstIsReported) {
+  camera.hook = [](const std::string& call) {
+    if (call == "Open") throw std::logic_error("first");
+    if (call == "Release") throw std::runtime_error("second");
+  };
+  EXPECT_THROW(device.Open(&info), std::logic_error);
+  EXPECT_EQ(camera.Releases(), 1);
+  EXPECT_FALSE(device.IsOpen(&info));
+}
+
 TEST_F(PhysicCameraTest, CloseDuringGrabReturnsAtOnceAndTheGrabReleasesWithoutClosing) {
   Open();
   camera.isGrabbing = true;

@@ -43,6 +43,7 @@ int FakeImage::Height() {
 
 void FakeImage::Chunks(std::list<KELGENICAM::IChunk*>& out) {
   Enter("Chunks");
+  if (throwsOnChunks) throw std::runtime_error("no chunks");
   out = chunks;
 }
 

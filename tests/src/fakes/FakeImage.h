@@ -44,6 +44,7 @@ class FakeImage : public KELGENICAM::IImage {
   // Script.
   bool isValid = true;
   bool throwsOnData = false;
+  bool throwsOnChunks = false;
   bool throwsOnRelease = false;
   bool mayStayOut = false;  ///< the test expects that nobody releases the frame
   std::list<KELGENICAM::IChunk*> chunks;
