@@ -131,6 +131,7 @@ class LogicCamera {
   static long ErrorCodeTrans(long code);
 
  private:
+  long FindNode(const std::string& name, ZynNode& node, ZynXmlSource source);
   CameraAttribute* RecordFor(KELGENICAM::ICameraInfo* info);
   static long Deliver(KELGENICAM::IImage& frame, ZynImage& image, ZynChunkData* chunk);
 

@@ -1,4 +1,5 @@
 #include <array>
+#include <cstring>
 #include <utility>
 
 #include "Guarded.h"
@@ -43,12 +44,17 @@ long LogicCamera::GetNodeType(const std::string& name, ZynXmlSource source, ZynN
 
 long LogicCamera::GetNodeByXmlType(const char* name, ZynNode* node, ZynXmlSource source) {
   if (!name || !node) return ZYN_ERROR_INVALID_ARGUMENT;
+  if (std::strcmp(name, kSoftwareTrigger) == 0) return FindNode(name, *node, source);
+  return Guarded([&] { return FindNode(name, *node, source); });
+}
+
+long LogicCamera::FindNode(const std::string& name, ZynNode& node, ZynXmlSource source) {
   long result = ZYN_OK;
   for (const std::string& candidate : CandidatesFor(name)) {
     ZynNodeType type = ZYN_NODE_UNKNOWN;
     result = GetNodeType(candidate, source, type);
     if (result != ZYN_OK) continue;
-    SetWrapperValue(node, nodes_->GetNode(this, candidate, name, type, source), false);
+    SetWrapperValue(&node, nodes_->GetNode(this, candidate, name, type, source), false);
     return ZYN_OK;
   }
   return result;
@@ -57,14 +63,17 @@ long LogicCamera::GetNodeByXmlType(const char* name, ZynNode* node, ZynXmlSource
 long LogicCamera::GetNodesByXmlType(ZynNodeArray* nodes, ZynXmlSource source) {
   if (!nodes) return ZYN_ERROR_INVALID_ARGUMENT;
   nodes->clear();
-  std::vector<std::pair<std::string, ZynNodeType>> found;
-  const long result = Guarded([&] { return device_->GetNodes(source, found); });
-  for (const auto& [name, type] : found) {
-    ZynNode node;
-    SetWrapperValue(&node, nodes_->GetNode(this, name, name, type, source), false);
-    nodes->push_back(node);
-  }
-  return result;
+  return Guarded([&] {
+    std::vector<std::pair<std::string, ZynNodeType>> found;
+    const long result = Guarded([&] { return device_->GetNodes(source, found); });
+    // Also after a failure: what was found until then is listed.
+    for (const auto& [name, type] : found) {
+      ZynNode node;
+      SetWrapperValue(&node, nodes_->GetNode(this, name, name, type, source), false);
+      nodes->push_back(node);
+    }
+    return result;
+  });
 }
 
 GenApi_3_4::INodeMap* LogicCamera::GetNodesMap(ZynXmlSource source) {

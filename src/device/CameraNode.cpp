@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "Guarded.h"
 #include "LogicCamera.h"
 #include "ZynCamera.h"
 
@@ -95,8 +96,10 @@ long CameraNode::ReadEnum(ZynString& current, ZynStringArray& entries) {
 long CameraNode::GetEnumString(ZynString* current, ZynStringArray* entries) {
   if (!current) return ZYN_ERROR_INVALID_ARGUMENT;
   if (type_ != ZYN_NODE_ENUMERATION) return ZYN_ERROR_WRONG_NODE_TYPE;
-  ZynStringArray unused;
-  return ReadEnum(*current, entries ? *entries : unused);
+  return Guarded([&] {
+    ZynStringArray unused;
+    return ReadEnum(*current, entries ? *entries : unused);
+  });
 }
 
 // Design decision: a read that fails answers 101096 as well, like a current value that is no entry: there is
@@ -104,18 +107,23 @@ long CameraNode::GetEnumString(ZynString* current, ZynStringArray* entries) {
 long CameraNode::GetEnumIndex(int* index, ZynStringArray* entries) {
   if (!index) return ZYN_ERROR_INVALID_ARGUMENT;
   if (type_ != ZYN_NODE_ENUMERATION) return ZYN_ERROR_WRONG_NODE_TYPE;
-  ZynString current;
-  ZynStringArray own;
-  ZynStringArray& names = entries ? *entries : own;
   *index = -1;
-  if (ReadEnum(current, names) != ZYN_OK) return ZYN_ERROR_WRONG_NODE_TYPE;
-  const int count = static_cast<int>(names.length());
-  for (int i = 0; i < count; ++i) {
-    if (names[i] != current) continue;
-    *index = i;
-    return ZYN_OK;
-  }
-  return ZYN_ERROR_WRONG_NODE_TYPE;
+  constexpr long kNoIndex = ZYN_ERROR_WRONG_NODE_TYPE;
+  return Guarded(
+      [&]() -> long {
+        ZynString current;
+        ZynStringArray own;
+        ZynStringArray& names = entries ? *entries : own;
+        if (ReadEnum(current, names) != ZYN_OK) return kNoIndex;
+        const int count = static_cast<int>(names.length());
+        for (int i = 0; i < count; ++i) {
+          if (names[i] != current) continue;
+          *index = i;
+          return ZYN_OK;
+        }
+        return kNoIndex;
+      },
+      kNoIndex);
 }
 
 // Design decision: texts and registers are served by no type; these do nothing and report success. Pinned by
@@ -164,17 +172,19 @@ long CameraNode::SetFloat(float value) {
 
 long CameraNode::SetEnumIndex(int index) {
   if (type_ != ZYN_NODE_ENUMERATION) return ZYN_ERROR_WRONG_NODE_TYPE;
-  ZynString current;
-  ZynStringArray entries;
-  if (const long error = ReadEnum(current, entries)) return error;
-  if (index < 0 || static_cast<unsigned int>(index) >= entries.length()) return ZYN_ERROR_INVALID_ARGUMENT;
-  return SetEnumString(entries[index].getStr());
+  return Guarded([&]() -> long {
+    ZynString current;
+    ZynStringArray entries;
+    if (const long error = ReadEnum(current, entries)) return error;
+    if (index < 0 || static_cast<unsigned int>(index) >= entries.length()) return ZYN_ERROR_INVALID_ARGUMENT;
+    return SetEnumString(entries[index].getStr());
+  });
 }
 
 long CameraNode::SetEnumString(const char* entry) {
   if (!entry) return ZYN_ERROR_INVALID_ARGUMENT;
   if (type_ != ZYN_NODE_ENUMERATION) return ZYN_ERROR_WRONG_NODE_TYPE;
-  return camera_->SetEnumStringValue(accessName_, source_, entry);
+  return Guarded([&] { return camera_->SetEnumStringValue(accessName_, source_, entry); });
 }
 
 long CameraNode::Execute(int timeoutMs) {
