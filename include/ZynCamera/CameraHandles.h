@@ -22,7 +22,7 @@ class ZynNodeArray;
 
 /// The GenICam node map behind a camera, for what ZynNode does not serve; null while the camera is closed or
 /// has no such map. Owned by the camera, valid until it is closed. Design decision: neither null nor an empty
-/// handle may be passed; both are used unchecked.
+/// handle may be passed; both are used unchecked. Pinned by NodeMapFunctionsDeathTest.CheckNothing.
 ZYNSDK_API GenApi_3_4::INodeMap* Get2DCameraNodeMap(ZynCamera* camera, ZynXmlSource source);
 ZYNSDK_API GenApi_3_4::INodeMap* Get3DCameraNodeMap(Zyn3DCamera* camera, ZynXmlSource source);
 
@@ -47,17 +47,18 @@ class ZYNSDK_API ZynCamera {
   /// transport does not know the camera; 101008 the camera refused; 101013 it is open already; 101040 an
   /// exception. Blocks while the camera answers and its description is loaded.
   long Open(const char* param);
-  /// Closes the camera; a stream that runs ends. 101010 when it was not open. Another thread inside a call on
-  /// the camera finishes that call first; this one does not wait for it.
+  /// Closes the camera; a stream that runs ends. 101010 when it was not open; 101040 an exception, and
+  /// the camera is closed nevertheless. Another thread inside a call on the camera finishes that call first;
+  /// this one does not wait for it.
   long Close();
-  bool IsOpen();      ///< also false when the device was lost
+  bool IsOpen();      ///< of a GigE camera: also false when the device was lost
   bool IsGrabbing();  ///< the stream runs
 
   /// Starts the stream. `count`: how many frames to deliver, 0 or -1 without limit. 101012 it runs already;
   /// 101015 the camera is not open or the stream did not come up; 101040 an exception; else a transport
   /// result.
   long StartGrab(ZynGrabStrategy strategy, int count);
-  long StopGrab();  ///< 101011 when the camera is not open
+  long StopGrab();  ///< 101011 when the camera is not open; 101040 an exception
   /// The longest wait for one frame. 5000 at first. 101010 when the camera is not open, 101050 below 1.
   long SetGrabTimeout(int milliseconds);
   /// Waits for one frame and makes `image` refer to a copy of it. `chunk` may be null; otherwise it takes a

@@ -127,7 +127,8 @@ long Zyn3DCamera::GetNodes(ZynNodeArray* nodes) {
   return camera_ ? camera_->GetRemoteNodes(nodes) : ZYN_ERROR_NO_OBJECT;
 }
 
-// Design decision: these two alone check nothing; the node map is for callers who hold an open camera.
+// Design decision: these two alone check nothing; the node map is for callers who hold an open camera. Pinned by
+// NodeMapFunctionsDeathTest.CheckNothing.
 GenApi_3_4::INodeMap* Get2DCameraNodeMap(ZynCamera* camera, ZynXmlSource source) {
   return camera->camera_->GetNodesMap(source);
 }

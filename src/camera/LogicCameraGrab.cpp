@@ -14,8 +14,7 @@ namespace ZYNSDK {
 
 namespace {
 
-// Copies the first chunk; the others are for later releases of the interface. No chunk leaves the container
-// alone.
+// Copies the first chunk; further chunks are ignored. No chunk leaves the container alone.
 void CopyFirstChunk(KELGENICAM::IImage& frame, ZynChunkData& out) {
   std::list<KELGENICAM::IChunk*> chunks;
   frame.Chunks(chunks);

@@ -56,7 +56,8 @@ class ZynCameraBaseDataTemplate1 {
     return false;
   }
 
-  // Design decision: inserting behind the last element is refused; push_back is for that.
+  // Design decision: inserting behind the last element is refused; push_back is for that. Pinned by
+  // InsertRefusesTheEnd.
   bool Insert(unsigned int index, const T& element) {
     if (index >= elements_.size()) return false;
     elements_.insert(elements_.begin() + index, element);

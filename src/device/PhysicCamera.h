@@ -29,7 +29,8 @@ class ZynStringArray;
 /// borrows the record (Borrow.h) and runs without the lock, so Close never waits for a grab and never
 /// destroys what another thread is using. Results are 0, a ZynStatus, or where said a result of the
 /// transport. Exceptions of the transport and of GenICam pass to the caller. Design decision: each operation
-/// has a code of its own for a closed device, as its comment says; applications rely on each.
+/// has a code of its own for a closed device, as its comment says; applications rely on each. Pinned by
+/// EveryOperationHasItsCodeForAClosedDevice.
 class PhysicCamera {
  public:
   PhysicCamera() = default;
@@ -48,7 +49,8 @@ class PhysicCamera {
   // Opening and closing. These hold the lock while the transport works.
 
   long Open(KELGENICAM::ICameraInfo* info);  ///< as NewRefCam
-  /// No way to open a device: a record needs a description. For the order of its errors only.
+  /// Never opens a device, because the record takes the serial number from a description, and there is none:
+  /// 101013, 101007 and 101008 as NewRefCam, and 101007 also for a transport camera that opened; it is released.
   long Open(const std::string& serialNumber);
   /// Makes, opens and installs the transport camera. 101013 when a device is open; 101007 when none could be
   /// made, also when neither description nor serial number is given; 101008 when it refuses to open.
