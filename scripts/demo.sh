@@ -18,10 +18,17 @@ prepare() {
   fi
 }
 
+cameras=()
+end_cameras() {
+  [[ ${#cameras[@]} -gt 0 ]] || return 0
+  kill "${cameras[@]}" 2>/dev/null || true
+  wait "${cameras[@]}" 2>/dev/null || true
+}
+
 # Runs inside the namespace.
 show() {
-  local cameras=()
-  trap 'kill "${cameras[@]}" 2>/dev/null; wait "${cameras[@]}" 2>/dev/null || true' EXIT
+  trap end_cameras EXIT
+  trap 'exit 130' INT TERM
   ip addr add 127.0.0.2/8 dev lo
   for number in 1 2; do
     arv-fake-gv-camera-0.8 -i "127.0.0.$number" -s "GV0$number" >/dev/null 2>&1 &
