@@ -17,25 +17,34 @@ std::string Property(GenApi_3_4::INode& node, const char* name) {
   return node.GetProperty(name, value, attribute) ? value.c_str() : "";
 }
 
-// Follows a feature through the nodes it takes its value from to the first register.
-GenApi_3_4::INode* FindRegister(GenApi_3_4::INode* node, std::set<GenApi_3_4::INode*>& seen) {
-  if (!node || !seen.insert(node).second) return nullptr;
-  if (dynamic_cast<GenApi_3_4::IRegister*>(node)) return node;
-  GenApi_3_4::NodeList_t children;
-  node->GetChildren(children, GenApi_3_4::ctReadingChildren);
-  for (GenApi_3_4::INode* child : children) {
-    if (GenApi_3_4::INode* found = FindRegister(child, seen)) return found;
-  }
-  return nullptr;
+// Every port may look like one; those of chunks have an ID.
+GenApi_3_4::IChunkPort* AsChunkPort(GenApi_3_4::INode* node) {
+  auto* port = dynamic_cast<GenApi_3_4::IChunkPort*>(node);
+  return port && !port->GetChunkID().empty() ? port : nullptr;
 }
 
 GenApi_3_4::IChunkPort* FindChunkPort(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode& registerNode) {
   const std::string name = Property(registerNode, "pPort");
-  if (!name.empty()) return dynamic_cast<GenApi_3_4::IChunkPort*>(camera.GetNode(name.c_str()));
+  if (!name.empty()) return AsChunkPort(camera.GetNode(name.c_str()));
   GenApi_3_4::NodeList_t children;
   registerNode.GetChildren(children, GenApi_3_4::ctReadingChildren);
   for (GenApi_3_4::INode* child : children) {
-    if (auto* port = dynamic_cast<GenApi_3_4::IChunkPort*>(child)) return port;
+    if (auto* port = AsChunkPort(child)) return port;
+  }
+  return nullptr;
+}
+
+// Follows a feature through the nodes it reads to the first register that lies in a chunk. Conditions are read too,
+// so registers of the camera itself may come before it.
+GenApi_3_4::INode* FindChunkRegister(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode* node,
+                                     std::set<GenApi_3_4::INode*>& seen) {
+  const bool isNew = seen.insert(node).second;
+  if (!node || !isNew) return nullptr;
+  if (dynamic_cast<GenApi_3_4::IRegister*>(node)) return FindChunkPort(camera, *node) ? node : nullptr;
+  GenApi_3_4::NodeList_t children;
+  node->GetChildren(children, GenApi_3_4::ctReadingChildren);
+  for (GenApi_3_4::INode* child : children) {
+    if (GenApi_3_4::INode* found = FindChunkRegister(camera, child, seen)) return found;
   }
   return nullptr;
 }
@@ -71,7 +80,7 @@ bool IsPlain(GenApi_3_4::INode& registerNode) {
 
 std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portOrder) {
   std::set<GenApi_3_4::INode*> seen;
-  GenApi_3_4::INode* node = FindRegister(camera.GetNode("ChunkFrameID"), seen);
+  GenApi_3_4::INode* node = FindChunkRegister(camera, camera.GetNode("ChunkFrameID"), seen);
   if (!node) return std::nullopt;
   GenApi_3_4::IChunkPort* port = FindChunkPort(camera, *node);
   if (!port) return std::nullopt;

@@ -48,7 +48,9 @@ inline std::string RemoteXml() {
       IntRegister("Height", 0x104, 4, "RW") + IntRegister("PixelFormat", 0x108, 4, "RW") +
       IntRegister("PayloadSize", 0x10C, 4, "RO") + IntRegister("TLParamsLocked", 0x110, 4, "RW") +
       CommandAt("AcquisitionStart", 0x114) + CommandAt("AcquisitionStop", 0x118) +
-      "<Integer Name=\"ChunkFrameID\"><pValue>ChunkFrameIDReg</pValue></Integer>\n" +
+      "<Integer "
+      "Name=\"ChunkFrameID\"><pIsAvailable>TLParamsLocked</pIsAvailable><pValue>ChunkFrameIDReg</pValue></"
+      "Integer>\n" +
       IntRegister("ChunkFrameIDReg", 0, 4, "RO", "<pPort>FrameIdPort</pPort>") +
       "<Port Name=\"FrameIdPort\"><ChunkID>F1</ChunkID></Port>\n");
 }
