@@ -2,6 +2,9 @@
 ///
 /// Every function may be called from any thread at any time. A search blocks while the network answers; it
 /// lets exceptions of the transport and std::bad_alloc through.
+///
+/// Design decision: a library that was loaded stays loaded, also after dlclose, on Linux; "until the SDK is
+/// unloaded" means there until the process exits. Pinned by LoadedLibrary.StaysAfterDlcloseAndKeepsItsContent.
 #ifndef ZYNCAMERA_FUNCTIONS_H
 #define ZYNCAMERA_FUNCTIONS_H
 
