@@ -15,6 +15,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds kLastFramePatience{1000};
 // Telling the camera that its stream is over takes a millisecond; a camera that vanished just now is not waited for.
 constexpr milliseconds kGoodbyePatience{500};
+// What libaravis knows of a frame comes with its leader. Without one a buffer still describes the frame it held before;
+// this number, which no camera sends, tells that there was none.
+constexpr std::uint64_t kNoFrameId = ~std::uint64_t{0};
 
 }  // namespace
 
@@ -79,6 +82,8 @@ void AravisStream::OnBuffersQueued() {
     if (buffer == nullptr) return;
     Entry& entry = EntryOf(*buffer);
     entry.isInside = true;
+    waiting_.push_back(&entry);
+    arv_buffer_set_frame_id(entry.buffer.get(), kNoFrameId);
     arv_stream_push_buffer(stream_.get(), Share(entry.buffer.get()).release());
   }
 }
@@ -105,7 +110,7 @@ void AravisStream::OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* bu
     case ARV_STREAM_CALLBACK_TYPE_INIT:
       break;
     case ARV_STREAM_CALLBACK_TYPE_START_BUFFER:
-      stream.OnFrameBegins(buffer);
+      stream.OnFrameBegins();
       break;
     case ARV_STREAM_CALLBACK_TYPE_BUFFER_DONE:
       stream.OnFrameDone(buffer);
@@ -116,32 +121,41 @@ void AravisStream::OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* bu
   }
 }
 
-// Buffers reach libaravis with their entry as user data, so what it passes here is one of ours.
-void AravisStream::OnFrameBegins(ArvBuffer* buffer) {
-  if (buffer == nullptr) return;
+// GigE streams do not say here which buffer they begin to fill; it is the one that waits longest.
+void AravisStream::OnFrameBegins() {
+  producer::StreamBuffer* begun = nullptr;
   {
     const MutexLock lock(mutex_);
     ++begun_;
+    if (waiting_.empty()) return;
+    begun = waiting_.front()->owner;
+    waiting_.pop_front();
   }
-  const auto* entry = static_cast<const Entry*>(arv_buffer_get_user_data(buffer));
-  sink_.MarkStarted(*entry->owner);
+  sink_.MarkStarted(*begun);
 }
 
+// Buffers reach libaravis with their entry as user data, so what comes back is one of ours.
 void AravisStream::OnFrameDone(ArvBuffer* buffer) {
-  // The queue of finished buffers holds a reference; ours keeps the object alive.
-  const GlibPtr<ArvBuffer> finished(arv_stream_try_pop_buffer(source_));
   if (buffer == nullptr) return;
   auto* entry = const_cast<Entry*>(static_cast<const Entry*>(arv_buffer_get_user_data(buffer)));
+  ArvStream* source = nullptr;
   {
     const MutexLock lock(mutex_);
+    source = source_;
     ++done_;
     entry->isInside = false;
     changed_.notify_all();
   }
+  // The queue of finished buffers holds a reference; the entry's keeps the object alive.
+  const GlibPtr<ArvBuffer> finished(arv_stream_try_pop_buffer(source));
   producer::StreamBuffer& owner = *entry->owner;
   try {
-    producer::FrameInfo info = TranslateFrame(buffer, owner.Size(), payloadSize_, SawOverflow());
-    const FrameCounter::Step step = counter_.Next(arv_buffer_get_frame_id(buffer));
+    const std::uint64_t wireId = arv_buffer_get_frame_id(buffer);
+    const bool hasLeader = wireId != kNoFrameId;
+    const bool sawOverflow = SawOverflow(source);
+    producer::FrameInfo info = hasLeader ? TranslateFrame(buffer, owner.Size(), payloadSize_, sawOverflow)
+                                         : DescribeUnknownFrame(payloadSize_);
+    const FrameCounter::Step step = hasLeader ? counter_.Next(wireId) : counter_.NextUnnumbered();
     info.frameId = step.id;
     if (step.lost > 0) sink_.CountUnderruns(step.lost);
     sink_.Deliver(owner, std::move(info));
@@ -151,8 +165,8 @@ void AravisStream::OnFrameDone(ArvBuffer* buffer) {
 }
 
 // libaravis counts packets that did not fit, and says no more about them.
-bool AravisStream::SawOverflow() {
-  const std::uint64_t overflows = arv_stream_get_info_uint64_by_name(source_, "n_size_mismatch_errors");
+bool AravisStream::SawOverflow(ArvStream* source) {
+  const std::uint64_t overflows = arv_stream_get_info_uint64_by_name(source, "n_size_mismatch_errors");
   const bool isMore = overflows != overflows_;
   overflows_ = overflows;
   return isMore;
@@ -199,6 +213,7 @@ void AravisStream::WaitForThreadEnd() {
 
 void AravisStream::GiveBackRest() {
   const MutexLock lock(mutex_);
+  waiting_.clear();
   for (const auto& entry : entries_) {
     if (std::exchange(entry->isInside, false)) sink_.GiveBack(*entry->owner);
   }

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,7 +52,7 @@ class AravisStream final : public producer::Stream {
   };
 
   static void OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* buffer);
-  void OnFrameBegins(ArvBuffer* buffer);
+  void OnFrameBegins();
   void OnFrameDone(ArvBuffer* buffer);
   void OnThreadEnd();
 
@@ -61,7 +62,7 @@ class AravisStream final : public producer::Stream {
   void WaitForFramesInProgress() ZYN_EXCLUDES(mutex_);
   void WaitForThreadEnd() ZYN_EXCLUDES(mutex_);
   void GiveBackRest() ZYN_EXCLUDES(mutex_);
-  bool SawOverflow();
+  bool SawOverflow(ArvStream* source);
 
   // Constant after construction.
   DeviceLink& link_;
@@ -73,13 +74,14 @@ class AravisStream final : public producer::Stream {
   FrameCounter counter_;
   std::uint64_t overflows_ = 0;
 
-  // Borrowed from stream_. The receiving thread uses it until its end, which the end of the object waits for.
-  ArvStream* source_ = nullptr;
-
   Mutex mutex_;  // the sink's and libaravis' queues may be used under it, nothing that waits
   std::condition_variable changed_;
   GlibPtr<ArvStream> stream_ ZYN_GUARDED_BY(mutex_);  // null when stopped
+  // The same, borrowed: the receiving thread uses it until its end, which the end of the object waits for.
+  ArvStream* source_ ZYN_GUARDED_BY(mutex_) = nullptr;
   std::vector<std::unique_ptr<Entry>> entries_ ZYN_GUARDED_BY(mutex_);
+  std::deque<Entry*> waiting_
+      ZYN_GUARDED_BY(mutex_);  // inside, not yet begun, in the order libaravis takes them
   std::uint64_t begun_ ZYN_GUARDED_BY(mutex_) = 0;
   std::uint64_t done_ ZYN_GUARDED_BY(mutex_) = 0;
   bool hasThreadEnded_ ZYN_GUARDED_BY(mutex_) = true;

@@ -16,6 +16,10 @@ std::uint64_t Distance(std::uint64_t from, std::uint64_t to) {
 
 }  // namespace
 
+FrameCounter::Step FrameCounter::NextUnnumbered() {
+  return Next(lastWire_ == kLargestShort ? 1 : lastWire_ + 1);
+}
+
 FrameCounter::Step FrameCounter::Next(std::uint64_t wire) {
   Step step;
   if (isFirst_) {

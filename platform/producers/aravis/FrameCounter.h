@@ -19,6 +19,9 @@ class FrameCounter {
   /// anew in the middle of an acquisition, are understood: what cannot be counted is no loss.
   Step Next(std::uint64_t wire);
 
+  /// A frame whose number got lost: it is taken for the one that follows.
+  Step NextUnnumbered();
+
  private:
   bool isFirst_ = true;
   std::uint64_t lastWire_ = 0;

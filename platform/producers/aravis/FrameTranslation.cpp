@@ -1,7 +1,6 @@
 #include "FrameTranslation.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace zyn::aravis {
 namespace {
@@ -37,7 +36,6 @@ void DescribeImage(ArvBuffer* buffer, FrameInfo& info) {
   gint xPadding = 0;
   gint yPadding = 0;
   arv_buffer_get_image_padding(buffer, &xPadding, &yPadding);
-  info.imagePresent = true;
   info.pixelFormat = arv_buffer_get_image_pixel_format(buffer);
   info.width = Unsigned(width);
   info.height = Unsigned(height);
@@ -49,7 +47,7 @@ void DescribeImage(ArvBuffer* buffer, FrameInfo& info) {
 
 // Cameras with a variable height announce the largest one and send what they have.
 void DescribeDeliveredHeight(const Layout& layout, FrameInfo& info) {
-  if (info.incomplete || layout.rowBytes == 0) return;
+  if (layout.rowBytes == 0) return;
   info.deliveredHeight = std::min(*info.height, info.sizeFilled / layout.rowBytes);
 }
 
@@ -89,11 +87,20 @@ void DescribeParts(ArvBuffer* buffer, std::size_t capacity, FrameInfo& info) {
     part.xOffset = Unsigned(arv_buffer_get_part_x(buffer, i));
     part.yOffset = Unsigned(arv_buffer_get_part_y(buffer, i));
     part.purposeId = arv_buffer_get_part_component_id(buffer, i);
-    info.parts.push_back(std::move(part));
+    info.parts.push_back(part);
   }
 }
 
 }  // namespace
+
+FrameInfo DescribeUnknownFrame(std::size_t payloadSize) {
+  FrameInfo info;
+  info.payloadType = PAYLOAD_TYPE_UNKNOWN;
+  info.imagePresent = false;
+  info.incomplete = true;
+  info.dataSize = payloadSize;
+  return info;
+}
 
 FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t payloadSize, bool sawOverflow) {
   FrameInfo info;
@@ -112,7 +119,9 @@ FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t pa
     case ARV_BUFFER_PAYLOAD_TYPE_IMAGE:
     case ARV_BUFFER_PAYLOAD_TYPE_EXTENDED_CHUNK_DATA: {
       info.payloadType = PAYLOAD_TYPE_IMAGE;
-      if (arv_buffer_get_n_parts(buffer) == 0) break;
+      info.imagePresent = true;
+      // libaravis gives no geometry of damaged frames; a consumer takes it from the camera.
+      if (info.incomplete || arv_buffer_get_n_parts(buffer) == 0) break;
       DescribeImage(buffer, info);
       const Layout layout = LayoutOf(info);
       // Extended chunk data: this version of libaravis does not see the chunks that are always there.
@@ -134,6 +143,7 @@ FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t pa
       break;
     case ARV_BUFFER_PAYLOAD_TYPE_MULTIPART:
       info.payloadType = PAYLOAD_TYPE_MULTI_PART;
+      if (info.incomplete) break;
       if (arv_buffer_has_chunks(buffer) != FALSE) info.chunkTrailers = producer::ChunkTrailers::bigEndian;
       DescribeParts(buffer, capacity, info);
       break;

@@ -16,6 +16,9 @@ namespace zyn::aravis {
 producer::FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t payloadSize,
                                    bool sawOverflow);
 
+/// A frame whose leader got lost: nothing is known but that it should have been there.
+producer::FrameInfo DescribeUnknownFrame(std::size_t payloadSize);
+
 }  // namespace zyn::aravis
 
 #endif

@@ -10,7 +10,6 @@ namespace zyn::gige {
 namespace {
 
 using std::chrono::milliseconds;
-using test::CommandOf;
 using test::LoopbackIdentity;
 using test::MakeAck;
 using test::ScriptedDevice;

@@ -2,17 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <cstring>
-#include <deque>
+#include <filesystem>
 #include <future>
-#include <list>
 
 #include "AravisBackend.h"
+#include "BackendFixtures.h"
 #include "FakeCamera.h"
-#include "ThreadAnnotations.h"
 #include "gige/RegisterClient.h"
 
 namespace zyn::aravis {
@@ -24,145 +21,20 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
 using test::FakeCamera;
+using test::ReadWord;
+using test::TestBuffer;
+using test::TestListener;
+using test::TestSink;
+using test::WriteWord;
 
 constexpr std::uint64_t kAcquisition = 0x124;  // the fake camera's register: 1 starts, 0 stops
 constexpr std::uint64_t kFramePeriod = 0x138;  // microseconds
 constexpr std::uint64_t kWidth = 0x100;
-constexpr std::size_t kImageBytes = 512 * 512;
+constexpr std::size_t kRowBytes = 512;
+constexpr std::size_t kImageBytes = kRowBytes * 512;
 
-class TestBuffer final : public producer::StreamBuffer {
- public:
-  TestBuffer(std::uint8_t* memory, std::size_t size) : StreamBuffer(memory, size, nullptr) {}
-};
-
-// Queues of buffers, as the kit has them.
-class TestSink final : public producer::StreamSink {
- public:
-  struct Delivery {
-    TestBuffer* buffer;
-    FrameInfo info;
-  };
-
-  TestBuffer& Announce(std::size_t size) {
-    memory_.emplace_back(size);
-    buffers_.emplace_back(memory_.back().data(), size);
-    Queue(buffers_.back());
-    return buffers_.back();
-  }
-
-  void Queue(TestBuffer& buffer) {
-    const MutexLock lock(mutex_);
-    queued_.push_back(&buffer);
-  }
-
-  // Empty when none comes in time.
-  std::optional<Delivery> Wait(milliseconds patience) {
-    const auto deadline = steady_clock::now() + patience;
-    MutexLock lock(mutex_);
-    while (delivered_.empty() && lock.WaitUntil(changed_, deadline)) {
-    }
-    if (delivered_.empty()) return std::nullopt;
-    Delivery delivery = std::move(delivered_.front());
-    delivered_.pop_front();
-    return delivery;
-  }
-
-  std::size_t Taken() {
-    const MutexLock lock(mutex_);
-    return taken_;
-  }
-  std::uint64_t Underruns() {
-    const MutexLock lock(mutex_);
-    return underruns_;
-  }
-  void Revoke(producer::Stream& stream) {
-    for (TestBuffer& buffer : buffers_) {
-      if (buffer.backendData != nullptr) stream.OnBufferRevoked(buffer);
-      EXPECT_EQ(buffer.backendData, nullptr);
-    }
-  }
-
-  producer::StreamBuffer* TakeQueued() override {
-    const MutexLock lock(mutex_);
-    if (queued_.empty()) return nullptr;
-    TestBuffer* buffer = queued_.front();
-    queued_.pop_front();
-    ++taken_;
-    return buffer;
-  }
-  producer::StreamBuffer* TakeForFrame() override { return TakeQueued(); }
-  void MarkStarted(producer::StreamBuffer&) override {
-    const MutexLock lock(mutex_);
-    ++started_;
-    changed_.notify_all();
-  }
-  void Deliver(producer::StreamBuffer& buffer, FrameInfo&& info) override {
-    const MutexLock lock(mutex_);
-    --taken_;
-    delivered_.push_back({static_cast<TestBuffer*>(&buffer), std::move(info)});
-    changed_.notify_all();
-  }
-  void GiveBack(producer::StreamBuffer& buffer) override {
-    const MutexLock lock(mutex_);
-    --taken_;
-    queued_.push_back(static_cast<TestBuffer*>(&buffer));
-  }
-  void CountUnderruns(std::uint64_t frames) override {
-    const MutexLock lock(mutex_);
-    underruns_ += frames;
-  }
-  void ReportError(GC_ERROR, const std::string&) override {}
-
- private:
-  std::list<std::vector<std::uint8_t>> memory_;
-  std::list<TestBuffer> buffers_;
-  Mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<TestBuffer*> queued_ ZYN_GUARDED_BY(mutex_);
-  std::deque<Delivery> delivered_ ZYN_GUARDED_BY(mutex_);
-  std::size_t taken_ ZYN_GUARDED_BY(mutex_) = 0;
-  std::uint64_t started_ ZYN_GUARDED_BY(mutex_) = 0;
-  std::uint64_t underruns_ ZYN_GUARDED_BY(mutex_) = 0;
-};
-
-class TestListener final : public producer::DeviceListener {
- public:
-  void OnLost(const std::string& text) override { lost_.set_value(text); }
-  void OnRemoteEvent(std::uint64_t, const void*, std::size_t) override {}
-  void OnFeatureInvalidated(const std::string&) override {}
-  void OnError(GC_ERROR, const std::string&) override {}
-
-  std::future<std::string>& Lost() { return future_; }
-
- private:
-  std::promise<std::string> lost_;
-  std::future<std::string> future_ = lost_.get_future();
-};
-
-std::size_t CountEntries(const char* directory) {
-  DIR* handle = opendir(directory);
-  std::size_t count = 0;
-  while (readdir(handle) != nullptr) ++count;
-  closedir(handle);
-  return count;
-}
-
-std::uint32_t Word(const std::uint8_t* bytes) {
-  return static_cast<std::uint32_t>(bytes[0]) << 24U | static_cast<std::uint32_t>(bytes[1]) << 16U |
-         static_cast<std::uint32_t>(bytes[2]) << 8U | bytes[3];
-}
-
-void WriteWord(producer::Device& device, std::uint64_t address, std::uint32_t value) {
-  const std::array<std::uint8_t, 4> bytes{
-      static_cast<std::uint8_t>(value >> 24U), static_cast<std::uint8_t>(value >> 16U),
-      static_cast<std::uint8_t>(value >> 8U), static_cast<std::uint8_t>(value)};
-  device.Write(address, bytes.data(), bytes.size());
-}
-
-std::uint32_t ReadWord(producer::Device& device, std::uint64_t address) {
-  std::array<std::uint8_t, 4> bytes{};
-  device.Read(address, bytes.data(), bytes.size());
-  return Word(bytes.data());
+std::ptrdiff_t CountEntries(const char* directory) {
+  return std::distance(std::filesystem::directory_iterator(directory), std::filesystem::directory_iterator());
 }
 
 class AravisBackendTest : public testing::Test {
@@ -264,8 +136,8 @@ TEST_F(AravisBackendTest, StreamsInOrderWithTheRightPixels) {
     last = info.frameId;
     // A diagonal pattern: each row is the row above moved by one.
     const std::uint8_t* pixels = delivery->buffer->Memory();
-    for (int row = 1; row < 512; row += 37) {
-      ASSERT_EQ(std::memcmp(pixels + row * 512, pixels + (row - 1) * 512 + 1, 511), 0)
+    for (std::size_t row = 1; row < 512; row += 37) {
+      ASSERT_EQ(std::memcmp(pixels + row * kRowBytes, pixels + (row - 1) * kRowBytes + 1, kRowBytes - 1), 0)
           << "frame " << i << " row " << row;
     }
     sink.Queue(*delivery->buffer);
@@ -464,8 +336,8 @@ TEST_F(AravisBackendTest, LostControlIsNoticed) {
 TEST_F(AravisBackendTest, RoundsOfOpeningAndStreamingLeakNothing) {
   const producer::DeviceInfo info = Find("GV01");
   TestListener listener;
-  std::size_t threads = 0;
-  std::size_t files = 0;
+  std::ptrdiff_t threads = 0;
+  std::ptrdiff_t files = 0;
   for (int round = 0; round < 200; ++round) {
     TestSink sink;
     auto device = interface_->OpenDevice(info, producer::Access::control, listener);

@@ -11,7 +11,6 @@ namespace {
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
-using test::CommandOf;
 using test::LoopbackIdentity;
 using test::MakeAck;
 using test::ScriptedDevice;

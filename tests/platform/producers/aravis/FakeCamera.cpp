@@ -19,6 +19,7 @@ constexpr const char* kProgram = "arv-fake-gv-camera-0.8";
 
 pid_t Spawn(const std::vector<std::string>& arguments) {
   std::vector<char*> pointers;
+  pointers.reserve(arguments.size() + 1);
   for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
   pointers.push_back(nullptr);
   pid_t process = -1;

@@ -45,5 +45,15 @@ INSTANTIATE_TEST_SUITE_P(
         CounterCase{"LongNumbersStartedAnew", {kBig, 1}, {kBig, kBig + 1}, {0, 0}}),
     [](const auto& row) { return std::string(row.param.name); });
 
+TEST(FrameCounterUnnumbered, AFrameWithoutNumberIsTheOneThatFollows) {
+  FrameCounter counter;
+  EXPECT_EQ(counter.NextUnnumbered().id, 1U);
+  counter.Next(65535);
+  EXPECT_EQ(counter.NextUnnumbered().id, 65536U);
+  const FrameCounter::Step step = counter.Next(4);
+  EXPECT_EQ(step.id, 65539U);
+  EXPECT_EQ(step.lost, 2U);
+}
+
 }  // namespace
 }  // namespace zyn::aravis

@@ -25,7 +25,8 @@ using std::chrono::steady_clock;
 constexpr std::uint64_t kAcquisition = 0x124;  // registers of the fake camera
 constexpr std::uint64_t kFramePeriod = 0x138;
 constexpr std::uint64_t kWidth = 0x100;
-constexpr std::size_t kImageBytes = 512 * 512;
+constexpr std::size_t kRowBytes = 512;
+constexpr std::size_t kImageBytes = kRowBytes * 512;
 
 // The loaded file. A function is looked up by name at its first use.
 class Producer {
@@ -50,7 +51,7 @@ class Producer {
  private:
   void Load() {
     library_ = dlopen(ZYN_TEST_PRODUCER, RTLD_NOW | RTLD_LOCAL);
-    if (library_ == nullptr) throw std::runtime_error(dlerror());
+    if (library_ == nullptr) throw std::runtime_error("cannot load " ZYN_TEST_PRODUCER);
   }
 
   void* library_ = nullptr;
@@ -251,8 +252,9 @@ TEST_F(ProducerTest, StreamsTwoHundredFramesInOrder) {
     last = id;
     // A diagonal pattern: each row is the row above moved by one.
     const auto* pixels = static_cast<const std::uint8_t*>(BufferInfo<void*>(buffer, BUFFER_INFO_BASE));
-    for (int row = 1; row < 512; row += 41) {
-      ASSERT_EQ(std::memcmp(pixels + row * 512, pixels + (row - 1) * 512 + 1, 511), 0) << i << " " << row;
+    for (std::size_t row = 1; row < 512; row += 41) {
+      ASSERT_EQ(std::memcmp(pixels + row * kRowBytes, pixels + (row - 1) * kRowBytes + 1, kRowBytes - 1), 0)
+          << i << " " << row;
     }
     ASSERT_EQ(ZYN_GC(DSQueueBuffer)(stream_, buffer), GC_ERR_SUCCESS);
   }

@@ -1,0 +1,215 @@
+// What becomes of frames on the wire, the damaged ones too: from packets to the kit's description of a buffer.
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <numeric>
+
+#include "AravisBackend.h"
+#include "BackendFixtures.h"
+#include "StreamingDevice.h"
+
+namespace zyn::aravis {
+namespace {
+
+using namespace GenTL;
+using gige::Bytes;
+using producer::ChunkTrailers;
+using producer::FrameInfo;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using test::Chunk;
+using test::StreamingDevice;
+using test::TestListener;
+using test::TestSink;
+using test::WireFrame;
+
+constexpr std::uint32_t kWidth = 64;
+constexpr std::uint32_t kHeight = 100;
+constexpr std::size_t kImageBytes = std::size_t{kWidth} * kHeight;
+
+Bytes Pattern(std::size_t size) {
+  Bytes bytes(size);
+  std::iota(bytes.begin(), bytes.end(), std::uint8_t{1});
+  return bytes;
+}
+
+WireFrame PlainFrame(std::uint16_t id = 1) {
+  WireFrame frame;
+  frame.id = id;
+  frame.width = kWidth;
+  frame.height = kHeight;
+  frame.data = Pattern(kImageBytes);
+  return frame;
+}
+
+class FrameTest : public testing::Test {
+ protected:
+  void Start(std::uint32_t payloadBytes, std::size_t bufferBytes) {
+    camera_ = std::make_unique<StreamingDevice>(payloadBytes);
+    for (const auto& info : backend_.FindInterfaces(milliseconds(100))) {
+      if (info.displayName == "lo") interface_ = backend_.OpenInterface(info);
+    }
+    for (const auto& info : interface_->FindDevices(milliseconds(1000))) {
+      if (info.serialNumber == "STREAM")
+        device_ = interface_->OpenDevice(info, producer::Access::control, listener_);
+    }
+    ASSERT_NE(device_, nullptr);
+    stream_ = device_->OpenStream(0, sink_);
+    for (int i = 0; i < 4; ++i) sink_.Announce(bufferBytes);
+    stream_->Start();
+  }
+
+  TestSink::Delivery Receive(const WireFrame& frame) {
+    camera_->Send(frame);
+    auto delivery = sink_.Wait(seconds(5));
+    if (!delivery) throw std::runtime_error("no frame");
+    return std::move(*delivery);
+  }
+
+  std::unique_ptr<StreamingDevice> camera_;
+  AravisBackend backend_;
+  std::unique_ptr<producer::Interface> interface_;
+  TestListener listener_;
+  TestSink sink_;
+  std::unique_ptr<producer::Device> device_;
+  std::unique_ptr<producer::Stream> stream_;
+};
+
+TEST_F(FrameTest, GeometryAndTimeComeFromTheLeader) {
+  Start(kImageBytes, kImageBytes);
+  WireFrame frame = PlainFrame();
+  frame.xOffset = 16;
+  frame.yOffset = 8;
+  frame.timestamp = 5'000'000;
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_FALSE(info.incomplete);
+  EXPECT_EQ(info.payloadType, PAYLOAD_TYPE_IMAGE);
+  EXPECT_EQ(info.width, kWidth);
+  EXPECT_EQ(info.height, kHeight);
+  EXPECT_EQ(info.deliveredHeight, kHeight);
+  EXPECT_EQ(info.xOffset, 16U);
+  EXPECT_EQ(info.yOffset, 8U);
+  EXPECT_EQ(info.pixelFormat, 0x01080001U);
+  EXPECT_EQ(info.timestampNs, 5'000'000'000U) << "the camera counts microseconds";
+  EXPECT_EQ(info.chunkTrailers, ChunkTrailers::none);
+  EXPECT_EQ(std::memcmp(buffer->Memory(), frame.data.data(), frame.data.size()), 0);
+}
+
+TEST_F(FrameTest, ImageWithChunksEndsExactlyBehindTheLastTrailer) {
+  const Bytes chunks = Chunk(0xA5A50001, {0, 0, 0, 42});
+  WireFrame frame = PlainFrame();
+  frame.payloadType = 0x4001;
+  frame.data = Chunk(0x1, Pattern(kImageBytes));
+  frame.data.insert(frame.data.end(), chunks.begin(), chunks.end());
+  Start(static_cast<std::uint32_t>(frame.data.size()), frame.data.size() + 1000);
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_FALSE(info.incomplete);
+  EXPECT_EQ(info.payloadType, PAYLOAD_TYPE_IMAGE);
+  EXPECT_TRUE(info.imagePresent);
+  EXPECT_EQ(info.height, kHeight);
+  EXPECT_EQ(info.chunkTrailers, ChunkTrailers::bigEndian);
+  EXPECT_EQ(info.sizeFilled, frame.data.size()) << "the walk through the chunks starts there";
+  EXPECT_EQ(std::memcmp(buffer->Memory(), frame.data.data(), frame.data.size()), 0);
+}
+
+TEST_F(FrameTest, ExtendedChunkDataHasChunksToo) {
+  WireFrame frame = PlainFrame();
+  frame.payloadType = 0x0005;
+  frame.data = Chunk(0x1, Pattern(kImageBytes));
+  Start(static_cast<std::uint32_t>(frame.data.size()), frame.data.size());
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_EQ(info.payloadType, PAYLOAD_TYPE_IMAGE);
+  EXPECT_EQ(info.chunkTrailers, ChunkTrailers::bigEndian);
+  EXPECT_EQ(info.width, kWidth);
+}
+
+TEST_F(FrameTest, ChunkDataAloneHasNoImage) {
+  WireFrame frame = PlainFrame();
+  frame.payloadType = 0x0004;
+  frame.data = Chunk(0xA5A50001, {0, 0, 0, 42});
+  Start(static_cast<std::uint32_t>(frame.data.size()), frame.data.size());
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_EQ(info.payloadType, PAYLOAD_TYPE_CHUNK_DATA);
+  EXPECT_FALSE(info.imagePresent);
+  EXPECT_FALSE(info.width.has_value());
+  EXPECT_EQ(info.chunkTrailers, ChunkTrailers::bigEndian);
+  EXPECT_EQ(info.sizeFilled, frame.data.size());
+}
+
+TEST_F(FrameTest, AFrameWithALostPacketIsIncomplete) {
+  Start(kImageBytes, kImageBytes);
+  WireFrame frame = PlainFrame(1);
+  frame.dropped = {2};
+  camera_->Send(frame);
+  const auto [buffer, info] = Receive(PlainFrame(2));
+  EXPECT_EQ(info.frameId, 1U);
+  EXPECT_TRUE(info.incomplete);
+  EXPECT_FALSE(info.largerThanBuffer);
+  EXPECT_EQ(info.dataSize, kImageBytes);
+  const auto next = sink_.Wait(seconds(5));
+  ASSERT_TRUE(next);
+  EXPECT_FALSE(next->info.incomplete);
+  EXPECT_EQ(sink_.Underruns(), 0U);
+}
+
+TEST_F(FrameTest, AFrameWithoutItsLeaderIsIncompleteAndHasNoGeometry) {
+  Start(kImageBytes, kImageBytes);
+  // Every buffer has held a frame before, whose description must not show up again.
+  for (std::uint16_t id = 1; id <= 4; ++id) sink_.Queue(*Receive(PlainFrame(id)).buffer);
+  stream_->OnBuffersQueued();
+  WireFrame frame = PlainFrame(5);
+  frame.dropped = {0};
+  camera_->Send(frame);
+  const auto [buffer, info] = Receive(PlainFrame(6));
+  EXPECT_EQ(info.frameId, 5U);
+  EXPECT_TRUE(info.incomplete);
+  EXPECT_FALSE(info.imagePresent);
+  EXPECT_FALSE(info.width.has_value());
+}
+
+TEST_F(FrameTest, WholeFramesThatAreMissingAreCounted) {
+  Start(kImageBytes, kImageBytes);
+  Receive(PlainFrame(65534));
+  const auto [buffer, info] = Receive(PlainFrame(3));
+  EXPECT_EQ(info.frameId, 65538U);
+  EXPECT_EQ(sink_.Underruns(), 3U);
+}
+
+TEST_F(FrameTest, ChunksThatAreCutOffMakeTheFrameIncomplete) {
+  WireFrame frame = PlainFrame();
+  frame.payloadType = 0x4001;
+  frame.data = Chunk(0x1, Pattern(kImageBytes));
+  Start(static_cast<std::uint32_t>(frame.data.size()), kImageBytes);
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_TRUE(info.incomplete);
+  EXPECT_TRUE(info.largerThanBuffer);
+  EXPECT_EQ(info.dataSize, frame.data.size());
+}
+
+TEST_F(FrameTest, AShorterImageHasFewerLines) {
+  Start(kImageBytes, kImageBytes);
+  WireFrame frame = PlainFrame();
+  frame.data.resize(std::size_t{kWidth} * 30);
+  const auto [buffer, info] = Receive(frame);
+  EXPECT_FALSE(info.incomplete);
+  EXPECT_EQ(info.height, kHeight);
+  EXPECT_EQ(info.deliveredHeight, 30U);
+}
+
+TEST_F(FrameTest, AFrameInProgressWhenStoppedIsDeliveredIncomplete) {
+  Start(kImageBytes, kImageBytes);
+  Receive(PlainFrame(1));
+  WireFrame frame = PlainFrame(2);
+  frame.dropped = {6};  // all but the trailer come
+  camera_->Send(frame);
+  sink_.WaitForStarted(2);
+  stream_->Stop(true);
+  const auto delivery = sink_.Wait(milliseconds(0));
+  ASSERT_TRUE(delivery);
+  EXPECT_TRUE(delivery->info.incomplete);
+  EXPECT_EQ(sink_.Taken(), 0U);
+}
+
+}  // namespace
+}  // namespace zyn::aravis
