@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "HandleArrayStorage.h"
 #include "Handles.h"
 #include "SetWrapperValue.h"
 #include "ZynCamera.h"
@@ -218,4 +219,39 @@ TYPED_TEST(HandleArray, SetSizeAppendsEmptyHandlesOrCuts) {
   EXPECT_EQ(this->Content(array), this->Expected({1}));
   array.setSize(0);
   EXPECT_EQ(array.length(), 0U);
+}
+
+namespace {
+
+// Notes the numbers of those that end.
+struct Noted {
+  Noted() = default;
+  Noted(int value, std::vector<int>& log) : number(value), ended(&log) {}
+  Noted(const Noted& other) = default;
+  Noted& operator=(const Noted& other) = default;
+  ~Noted() {
+    if (ended) ended->push_back(number);
+  }
+  int number = 0;
+  std::vector<int>* ended = nullptr;
+};
+
+}  // namespace
+
+TEST(HandleArrayStorage, ClearingEndsTheLastFirstAndKeepsTheMemory) {
+  std::vector<int> ended;
+  ZYNSDK::ZynCameraBaseDataTemplate1<Noted> storage;
+  storage.Elements().reserve(8);
+  for (int i = 0; i < 3; ++i) storage.Elements().emplace_back(i, ended);
+  ended.clear();
+  storage.Clear();
+  EXPECT_EQ(ended, (std::vector<int>{2, 1, 0}));
+  EXPECT_EQ(storage.Elements().capacity(), 8U);
+}
+
+TEST(HandleArrayStorage, GrowingToASizeReservesItFirst) {
+  ZYNSDK::ZynCameraBaseDataTemplate1<int> storage;
+  storage.SetSize(100);
+  EXPECT_EQ(storage.Count(), 100U);
+  EXPECT_EQ(storage.Elements().capacity(), 100U);
 }

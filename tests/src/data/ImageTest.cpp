@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <latch>
@@ -270,4 +271,19 @@ TEST(Img, ConvertingAnEmptyTextAnswersZeroAndWritesNothing) {
   EXPECT_EQ(Img::wchar_to_char(narrow, L""), 0U);
   EXPECT_EQ(wide[0], L'-');
   EXPECT_EQ(narrow[0], '-');
+}
+
+TEST(Img, TextBeyondAsciiTakesUpToFourBytesACharacter) {
+  const char* before = std::setlocale(LC_ALL, nullptr);  // NOLINT(concurrency-mt-unsafe): one thread
+  const std::string kept = before ? before : "C";
+  ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);  // NOLINT(concurrency-mt-unsafe)
+  const wchar_t wide[] = {0x1F600, 0x20AC, 0xE4, 0};
+  char narrow[16] = "---------------";
+  EXPECT_EQ(Img::wchar_to_char(narrow, wide), 9U);
+  EXPECT_STREQ(narrow, "\xF0\x9F\x98\x80\xE2\x82\xAC\xC3\xA4");
+  wchar_t back[10] = L"---------";
+  EXPECT_EQ(Img::char_to_wchar(back, narrow), 3U);
+  EXPECT_STREQ(back, wide);
+  EXPECT_EQ(Img::char_to_wchar(back, "a\xFF"), static_cast<std::size_t>(-1));
+  std::setlocale(LC_ALL, kept.c_str());  // NOLINT(concurrency-mt-unsafe)
 }

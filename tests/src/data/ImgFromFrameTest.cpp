@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <vector>
 
 #include "FakeImage.h"
@@ -66,4 +67,13 @@ TEST(ImgFromFrame, AFrameThatCannotGiveItsPixelsLeavesABufferOfNoOtherImage) {
 TEST(ImgFromFrame, NoFrameGivesAnEmptyImage) {
   const Img image(nullptr);
   EXPECT_EQ(image.Data(), nullptr);
+}
+
+TEST(ImgFromFrame, TheDeepCopyOfAnImageWithoutABufferIsWhollyEmpty) {
+  FakeImage frame(4, 0, 1, 10);
+  const Img image(&frame);
+  ASSERT_EQ(image.Width(), 4);
+  const std::unique_ptr<Img> copy(image.Clone());
+  EXPECT_EQ(copy->Width() + copy->Height() + copy->Step() + copy->Channels(), 0);
+  EXPECT_EQ(copy->Data(), nullptr);
 }

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <new>
 #include <thread>
@@ -78,6 +80,7 @@ TEST(PixelMemory, KeepsABoundedNumberOfIdleBuffers) {
     for (std::size_t i = 0; i < PixelMemory::kMostIdleBuffers + 10; ++i) many.emplace_back(40000);
   }
   EXPECT_LE(PixelMemory::IdleBuffers(), PixelMemory::kMostIdleBuffers);
+  EXPECT_GT(PixelMemory::IdleBuffers(), 0U);
   EXPECT_LE(PixelMemory::IdleBytes(), PixelMemory::kMostIdleBytes);
 }
 
@@ -98,11 +101,14 @@ TEST(PixelMemory, MoreThanThereIsRaisesBadAlloc) {
 TEST(PixelMemory, MayBeGivenBackOnAnotherThread) {
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([] {
+    threads.emplace_back([mine = static_cast<unsigned char>(i)] {
       for (int j = 0; j < 200; ++j) {
         PixelMemory memory(kFrame / 16);
-        memory.Data()[0] = 1;
-        std::thread([taken = std::move(memory)] { taken.Data()[1] = 2; }).join();
+        std::memset(memory.Data(), mine, memory.Bytes());
+        std::thread([taken = std::move(memory), mine] {
+          const unsigned char* end = taken.Data() + taken.Bytes();
+          EXPECT_EQ(std::count(static_cast<const unsigned char*>(taken.Data()), end, mine), kFrame / 16);
+        }).join();
       }
     });
   }
