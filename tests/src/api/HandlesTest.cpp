@@ -7,6 +7,7 @@
 
 #include "FakeTransport.h"
 #include "Handles.h"
+#include "TestNodeMap.h"
 #include "ZynCamera.h"
 
 using namespace ZYNSDK;
@@ -244,4 +245,71 @@ TEST(NodeMapFunctions, ReachTheCamera) {
 TEST(NodeMapFunctionsDeathTest, CheckNothing) {
   ZynCamera empty;
   EXPECT_DEATH(Get2DCameraNodeMap(&empty, ZYN_XML_REMOTE_DEVICE), "");
+}
+
+TEST(ZynCameraHandle, EachFeatureFamilyReachesItsOwnMap) {
+  fakes::TestNodeMap map(R"(<Integer Name="Only"><Value>3</Value></Integer>)", {"Only"});
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-families", "Area-1");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-families", &camera), 0);
+  ASSERT_EQ(camera.Open(nullptr), 0);
+  struct Family {
+    fakes::FakeNodeMapHolder& holder;
+    long (ZynCamera::*one)(const char*, ZynNode*);
+    long (ZynCamera::*all)(ZynNodeArray*);
+  };
+  const Family families[] = {{device.tlMap, &ZynCamera::GetTLNode, &ZynCamera::GetTLNodes},
+                             {device.interfaceMap, &ZynCamera::GetIFNode, &ZynCamera::GetIFNodes},
+                             {device.localMap, &ZynCamera::GetDevNode, &ZynCamera::GetDevNodes},
+                             {device.remoteMap, &ZynCamera::GetRemoteNode, &ZynCamera::GetRemoteNodes},
+                             {device.streamMap, &ZynCamera::GetDSNode, &ZynCamera::GetDSNodes}};
+  for (const Family& family : families) {
+    family.holder.map = map.Map();
+    ZynNode node;
+    ZynNodeArray nodes;
+    EXPECT_EQ((camera.*family.one)("Only", &node), 0);
+    EXPECT_STREQ(node.Name(), "Only");
+    EXPECT_EQ((camera.*family.all)(&nodes), 0);
+    EXPECT_EQ(nodes.length(), 1U);
+    family.holder.map = nullptr;
+  }
+  camera.Close();
+}
+
+TEST(ZynCameraHandle, OpenHandsItsFileOn) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-file", "Area-1");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-file", &camera), 0);
+  EXPECT_EQ(camera.Open("no-such-file"), ZYN_ERROR_CONFIG_FILE);
+  EXPECT_EQ(camera.Close(), 0);
+}
+
+TEST(ZynNodeHandle, TextAndRegisterOperationsReachTheFeatureAndSucceed) {
+  fakes::TestNodeMap map;
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-text", "Area-1");
+  FakeCamera device;
+  device.remoteMap.map = map.Map();
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-text", &camera), 0);
+  ASSERT_EQ(camera.Open(nullptr), 0);
+  ZynNode node;
+  ASSERT_EQ(camera.GetRemoteNode("Width", &node), 0);
+  ZynString text("kept", 4);
+  EXPECT_EQ(node.GetString(&text), 0);
+  EXPECT_EQ(node.GetRegister(&text), 0);
+  EXPECT_EQ(node.SetString(text), 0);
+  EXPECT_EQ(node.SetRegister(text), 0);
+  EXPECT_STREQ(text.getStr(), "kept");
+  camera.Close();
 }

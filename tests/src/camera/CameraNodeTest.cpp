@@ -222,6 +222,12 @@ TEST_F(CameraNodeTest, ACurrentValueThatIsNoEntryIsWrongType) {
   EXPECT_EQ(integer, -1);
 }
 
+TEST_F(CameraNodeTest, TheIndexOfAnotherTypeIsLeftAlone) {
+  integer = 77;
+  EXPECT_EQ(On("Width").GetEnumIndex(&integer, nullptr), ZYN_ERROR_WRONG_NODE_TYPE);
+  EXPECT_EQ(integer, 77);
+}
+
 TEST_F(CameraNodeTest, AFailedReadOfTheIndexSaysWrongType) {
   ZynNode node = On("VolatileMode");
   area.port.failingReads = 100;

@@ -170,6 +170,20 @@ TEST_F(LogicCameraGrab, AChunkWithoutDataLeavesTheContainerAlone) {
   EXPECT_EQ(chunk.getLength(), 1U);
 }
 
+TEST_F(LogicCameraGrab, AMissingOrEmptyFirstChunkLeavesTheContainerAlone) {
+  FakeChunk empty(std::vector<unsigned char>{});
+  FakeChunk second({9, 9});
+  const unsigned char byte = 5;
+  for (FakeChunk* first : {static_cast<FakeChunk*>(nullptr), &empty}) {
+    FakeImage frame(4, 3, 1, 10);
+    frame.chunks = {first, &second};
+    device.Deliver(0, &frame);
+    chunk.setData(1, &byte);
+    EXPECT_EQ(camera.Grab(&image, &chunk), ZYN_OK);
+    EXPECT_EQ(chunk.getLength(), 1U);
+  }
+}
+
 TEST_F(LogicCameraGrab, ResultsPassTheTranslation) {
   device.grabResult = -7;
   EXPECT_EQ(camera.Grab(&image, nullptr), -7);

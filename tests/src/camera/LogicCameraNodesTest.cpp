@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <future>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -210,6 +215,27 @@ TEST_F(LogicCameraNodes, TheNodeMapIsTheTransportsOrNull) {
   EXPECT_EQ(camera.GetNodesMap(kRemote), nullptr);
   EXPECT_EQ(camera.GetNodesMap(ZYN_XML_INTERFACE), nullptr);  // would hang if the lock were still held
   EXPECT_THROW(camera.GetNodesMapAction(kRemote), GenICam::GenericException);
+}
+
+TEST_F(LogicCameraNodes, LookUpsOfTheNodeMapDoNotOverlap) {
+  // The first look-up gives the other one, which has started, the time to come in beside it.
+  constexpr std::chrono::milliseconds kForTheOther(200);
+  std::mutex mutex;
+  std::condition_variable changed;
+  int inside = 0;
+  int mostInside = 0;
+  device.hook = [&](const std::string& call) {
+    if (call != "RemoteDeviceNodeMap") return;
+    std::unique_lock lock(mutex);
+    mostInside = std::max(mostInside, ++inside);
+    changed.notify_all();
+    changed.wait_for(lock, kForTheOther, [&] { return mostInside > 1; });
+    --inside;
+  };
+  auto other = std::async(std::launch::async, [&] { return camera.GetNodesMap(kRemote); });
+  EXPECT_EQ(camera.GetNodesMap(kRemote), area.Map());
+  EXPECT_EQ(other.get(), area.Map());
+  EXPECT_EQ(mostInside, 1);
 }
 
 TEST_F(LogicCameraNodes, ValuesGoThroughTheDevice) {

@@ -278,6 +278,33 @@ TEST_F(PhysicCameraNodes, AnIntegerReadIsTriedThreeTimes) {
   EXPECT_EQ(area.port.reads, 3);
 }
 
+TEST_F(PhysicCameraNodes, AFailingLimitRepeatsTheWholeRead) {
+  TestNodeMap map(R"(
+<Integer Name="Ranged"><pValue>ValueReg</pValue><pMin>Nowhere</pMin></Integer>
+<IntReg Name="ValueReg"><Address>0x00</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+  <Cachable>NoCache</Cachable><Sign>Signed</Sign><Endianess>BigEndian</Endianess></IntReg>
+<IntReg Name="Nowhere"><Address>0x1000</Address><Length>4</Length><AccessMode>RO</AccessMode><pPort>Device</pPort>
+  <Cachable>NoCache</Cachable><Sign>Signed</Sign><Endianess>BigEndian</Endianess></IntReg>)",
+                  {"Ranged"});
+  camera.remoteMap.map = map.Map();
+  EXPECT_EQ(ReadInt("Ranged"), ZYN_ERROR_EXCEPTION);
+  EXPECT_EQ(map.port.reads, 6);  // value and minimum, three times
+}
+
+TEST_F(PhysicCameraNodes, AReadAgainComesFromTheCache) {
+  bool flag = false;
+  device.GetBool("Flag", kRemote, flag);
+  ReadInt("Width");
+  ReadFloat("Stepped");
+  device.GetEnum("Mode", kRemote, current, entries);
+  area.port.reads = 0;
+  EXPECT_EQ(device.GetBool("Flag", kRemote, flag), ZYN_OK);
+  EXPECT_EQ(ReadInt("Width"), ZYN_OK);
+  EXPECT_EQ(ReadFloat("Stepped"), ZYN_OK);
+  EXPECT_EQ(device.GetEnum("Mode", kRemote, current, entries), ZYN_OK);
+  EXPECT_EQ(area.port.reads, 0);
+}
+
 TEST_F(PhysicCameraNodes, AFloatReadIsNotRetried) {
   area.port.failingReads = 1;
   EXPECT_THROW(ReadFloat("VolatileFloat"), GenICam::GenericException);

@@ -229,6 +229,21 @@ TEST_F(PhysicCameraTest, RegisteringHandsTheTransportsResultThrough) {
   device.Close();
 }
 
+TEST_F(PhysicCameraTest, RegisteringHandsItsArgumentsOn) {
+  struct Nobody : KELGENICAM::INotify {
+    void OnNotify(KELGENICAM::NOTIFY_SRC, KELGENICAM::NOTIFY_TYPE, const void*, unsigned long long) override {
+    }
+  };
+  Nobody receiver;
+  Open();
+  EXPECT_EQ(device.RegisterNotify(KELGENICAM::NOTIFY_SRC_DATA_STREAM, KELGENICAM::NOTIFY_ERROR, &receiver),
+            0);
+  EXPECT_EQ(camera.notifySource, KELGENICAM::NOTIFY_SRC_DATA_STREAM);
+  EXPECT_EQ(camera.notifyType, KELGENICAM::NOTIFY_ERROR);
+  EXPECT_EQ(camera.receiver, &receiver);
+  device.Close();
+}
+
 TEST_F(PhysicCameraTest, CloseThatThrowsStillReleasesAndDetaches) {
   Open();
   ThrowIn(camera, "Close");

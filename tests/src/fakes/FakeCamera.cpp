@@ -102,9 +102,12 @@ int FakeCamera::SetCLCameraParam(const char* name, const char* value) {
   return paramResult;
 }
 
-int FakeCamera::RegisterNotify(KELGENICAM::NOTIFY_SRC /*source*/, KELGENICAM::NOTIFY_TYPE /*type*/,
-                               KELGENICAM::INotify* /*receiver*/) {
+int FakeCamera::RegisterNotify(KELGENICAM::NOTIFY_SRC source, KELGENICAM::NOTIFY_TYPE type,
+                               KELGENICAM::INotify* newReceiver) {
   Enter("RegisterNotify");
+  notifySource = source;
+  notifyType = type;
+  receiver = newReceiver;
   return notifyResult;
 }
 

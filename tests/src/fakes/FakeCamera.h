@@ -71,6 +71,9 @@ class FakeCamera : public KELGENICAM::ICamera {
   int count = 0;
   std::atomic<int> timeoutMs{0};
   std::string paramName, paramValue;
+  KELGENICAM::NOTIFY_SRC notifySource{};
+  KELGENICAM::NOTIFY_TYPE notifyType{};
+  KELGENICAM::INotify* receiver = nullptr;
 
  private:
   struct Frame {

@@ -268,6 +268,15 @@ TEST_F(CameraAttributeTest, AddressTakesMaskAndGatewayFromTheAdapter) {
   EXPECT_TRUE(transport.addresses[0].persistent);
 }
 
+TEST_F(CameraAttributeTest, TheGatewayIsTheFirstAddressOfTheNetworkByDefault) {
+  EXPECT_TRUE(Quietly([&] { return handle.SetCameraAddress("10.20.30.40", "255.255.0.0", nullptr, false); }));
+  EXPECT_TRUE(
+      Quietly([&] { return handle.SetCameraAddress("192.168.1.200", "255.255.255.128", nullptr, false); }));
+  ASSERT_EQ(transport.addresses.size(), 2U);
+  EXPECT_EQ(transport.addresses[0].gateway, "10.20.0.1");
+  EXPECT_EQ(transport.addresses[1].gateway, "192.168.1.129");
+}
+
 TEST_F(CameraAttributeTest, GivenTextsGoOutInTheirPlainForm) {
   EXPECT_TRUE(
       Quietly([&] { return handle.SetCameraAddress("010.1.1.1", " 255.0.0.0", "10.1.1.9x", false); }));

@@ -209,6 +209,25 @@ TEST_F(CameraManagerTest, ACameraReportedTwiceInEverySearchKeepsTwoRecords) {
   EXPECT_EQ(records.size(), 2U);
 }
 
+TEST_F(CameraManagerTest, AKindThatDoesNotExistIsEveryKind) {
+  for (int kind : {0, 1, 4, -1, 99}) EXPECT_EQ(manager.DiscoveryCameras(kind).size(), 3U) << kind;
+  EXPECT_EQ(manager.DiscoveryCameras(2).size(), 2U);
+  EXPECT_EQ(manager.DiscoveryCameras(3).size(), 1U);
+}
+
+TEST_F(CameraManagerTest, ExceptionsOfTheTransportPass) {
+  transport.hook = [](const std::string& call) { throw std::runtime_error(call); };
+  EXPECT_THROW(manager.SearchCameras(), std::runtime_error);
+  EXPECT_THROW(manager.SearchCamerasByProtocolType(1), std::runtime_error);
+  EXPECT_THROW(manager.GetCLCameraProtocols(), std::runtime_error);
+  EXPECT_THROW(manager.GetCLCameraSerials(), std::runtime_error);
+}
+
+TEST_F(CameraManagerTest, NoSerialNumberIsNoCameraWhenAllHaveOne) {
+  manager.SearchCameras();
+  EXPECT_EQ(manager.FindCamera(nullptr), nullptr);
+}
+
 TEST_F(CameraManagerTest, ACameraWithoutASerialNumberIsKnownByTheEmptyOne) {
   FakeCameraInfo nameless(nullptr, "Area-1");
   transport.present = {&nameless};
