@@ -74,8 +74,8 @@ std::unique_ptr<EventPump> EventPump::Start(const ProducerPtr& producer, const s
   state->type = type;
   state->event = event;
   state->handler = std::move(handler);
-  std::thread([state] { Run(*state); }).detach();
-  return std::unique_ptr<EventPump>(new EventPump(std::move(state)));
+  Background thread = Background::Run([state] { Run(*state); });
+  return std::unique_ptr<EventPump>(new EventPump(std::move(state), std::move(thread)));
 }
 
 bool EventPump::Handle(State& state, const GenTLEvent& event) {
@@ -86,7 +86,6 @@ bool EventPump::Handle(State& state, const GenTLEvent& event) {
   state.handler(event);
   lock.Lock();
   state.isHandling = false;
-  state.changed.notify_all();
   return !state.isEnding;
 }
 
@@ -119,22 +118,13 @@ void EventPump::Run(State& state) {
     goesOn = !state.isEnding && error != GenTL::GC_ERR_INVALID_HANDLE;
     lock.Unlock();
   }
-  lock.Lock();
-  state.isDone = true;
-  state.changed.notify_all();
 }
 
-bool EventPump::WaitDone(State& state, MutexLock& lock) {
-  auto deadline = std::chrono::steady_clock::now() + kEndLimit;
-  while (!state.isDone) {
-    if (state.isHandling) {  // the application's time does not count
-      lock.Wait(state.changed);
-      deadline = std::chrono::steady_clock::now() + kEndLimit;
-    } else if (!lock.WaitUntil(state.changed, deadline)) {
-      return state.isDone;
-    }
+void EventPump::AwaitEnd() {
+  while (!thread_.WaitUntil(std::chrono::steady_clock::now() + kEndLimit)) {
+    MutexLock lock(state_->mutex);
+    if (!state_->isHandling) return;  // the application's time does not count, the producer's does
   }
-  return true;
 }
 
 EventPump::~EventPump() {
@@ -145,16 +135,10 @@ EventPump::~EventPump() {
   const bool isOwnThread = state.thread == std::this_thread::get_id();
   lock.Unlock();
   if (state.producer->EventKill) state.producer->EventKill(state.event);
-  if (!isOwnThread) {
-    lock.Lock();
-    WaitDone(state, lock);
-    lock.Unlock();
-  }
+  if (!isOwnThread) AwaitEnd();
   // Unregistering ends every wait, also in producers that ignore the kill.
   state.producer->GCUnregisterEvent(state.module.get(), state.type);
-  if (isOwnThread) return;
-  lock.Lock();
-  WaitDone(state, lock);
+  if (!isOwnThread) AwaitEnd();
 }
 
 }  // namespace zyn::transport

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "Background.h"
 #include "ProducerLibrary.h"
 #include "ThreadAnnotations.h"
 
@@ -49,16 +50,17 @@ class EventPump {
     std::condition_variable changed;
     bool isEnding ZYN_GUARDED_BY(mutex) = false;
     bool isHandling ZYN_GUARDED_BY(mutex) = false;
-    bool isDone ZYN_GUARDED_BY(mutex) = false;
     std::thread::id thread ZYN_GUARDED_BY(mutex);
   };
 
-  explicit EventPump(std::shared_ptr<State> state) : state_(std::move(state)) {}
+  EventPump(std::shared_ptr<State> state, Background thread)
+      : state_(std::move(state)), thread_(std::move(thread)) {}
   static void Run(State& state);
   static bool Handle(State& state, const GenTLEvent& event);
-  static bool WaitDone(State& state, MutexLock& lock) ZYN_REQUIRES(state.mutex);
+  void AwaitEnd();
 
   std::shared_ptr<State> state_;
+  Background thread_;
 };
 
 }  // namespace zyn::transport

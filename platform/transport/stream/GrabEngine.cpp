@@ -1,7 +1,6 @@
 #include "GrabEngine.h"
 
 #include <algorithm>
-#include <thread>
 #include <utility>
 
 #include "../Result.h"
@@ -126,31 +125,20 @@ GenTL::GC_ERROR GrabEngine::StartAcquisition() {
 }
 
 void GrabEngine::StartThread() {
-  MutexLock lock(mutex_);
-  hasThread_ = true;
-  std::thread([self = shared_from_this()]() mutable {
-    self->Run();
-    self->EndThread();
-  }).detach();
-}
-
-void GrabEngine::EndThread() {
-  MutexLock lock(mutex_);
-  hasThread_ = false;
-  calm_.notify_all();
+  thread_ = Background::Run([self = shared_from_this()] { self->Run(); });
 }
 
 void GrabEngine::JoinThread() {
   const auto deadline = Clock::now() + kThreadLimit;
   MutexLock lock(mutex_);
   demand_.notify_all();
+  lock.Unlock();
   // The kill is repeated: one that comes while the thread is busy elsewhere may be consumed there.
-  while ((hasThread_ || queueCalls_ > 0) && Clock::now() < deadline) {
-    const bool isWaiting = hasThread_;
-    lock.Unlock();
-    if (isWaiting && producer_.EventKill) producer_.EventKill(event_);
-    lock.Lock();
-    if (hasThread_ || queueCalls_ > 0) lock.WaitUntil(calm_, Clock::now() + kKillInterval);
+  do {
+    if (producer_.EventKill) producer_.EventKill(event_);
+  } while (!thread_->WaitUntil(Clock::now() + kKillInterval) && Clock::now() < deadline);
+  lock.Lock();
+  while (producerCalls_ > 0 && lock.WaitUntil(calm_, deadline)) {
   }
 }
 
@@ -420,11 +408,11 @@ void GrabEngine::Requeue(std::size_t slot) {
   if (isEnding_ || slot >= slots_.size()) return;
   slots_[slot].place = Place::kProducer;
   const GenTL::BUFFER_HANDLE handle = slots_[slot].handle;
-  ++queueCalls_;
+  ++producerCalls_;
   lock.Unlock();
   const GenTL::GC_ERROR error = producer_.DSQueueBuffer(setup_.stream.get(), handle);
   lock.Lock();
-  --queueCalls_;
+  --producerCalls_;
   if (error != GenTL::GC_ERR_SUCCESS && slot < slots_.size()) slots_[slot].place = Place::kDead;
   calm_.notify_all();
 }
@@ -474,10 +462,15 @@ int GrabEngine::AwaitUpcoming(Clock::time_point deadline, Delivery& delivery) {
   if (const int reason = EndReason(); reason != KELGENICAM::RESULT_OK) return reason;
   waiters_.push_back(&waiter);
   demand_.notify_all();
-  const bool mustWake = isFetching_;
-  lock.Unlock();
-  if (mustWake && producer_.EventKill) producer_.EventKill(event_);
-  lock.Lock();
+  // Counted like every call of the application's threads: Stop waits for it before the event goes.
+  if (isFetching_ && !isEnding_ && producer_.EventKill) {
+    ++producerCalls_;
+    lock.Unlock();
+    producer_.EventKill(event_);
+    lock.Lock();
+    --producerCalls_;
+    calm_.notify_all();
+  }
   int reason = EndReason();
   for (bool isOver = false; !waiter.delivery && reason == KELGENICAM::RESULT_OK && !isOver;) {
     isOver = !lock.WaitUntil(ready_, deadline);

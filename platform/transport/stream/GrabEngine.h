@@ -15,6 +15,7 @@
 
 #include "../camera/Notifier.h"
 #include "../module/DeviceLink.h"
+#include "../producer/Background.h"
 #include "../producer/ProducerLibrary.h"
 #include "BufferFacts.h"
 #include "FrameIdChunk.h"
@@ -115,12 +116,11 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   int AnnounceOne() ZYN_REQUIRES(mutex_);
   int QueueAll() ZYN_REQUIRES(mutex_);
   GenTL::GC_ERROR StartAcquisition();
-  void StartThread() ZYN_EXCLUDES(mutex_);
+  void StartThread();
   void JoinThread() ZYN_EXCLUDES(mutex_);
   void TakeBuffersBack() ZYN_EXCLUDES(mutex_);
 
   void Run();
-  void EndThread() ZYN_EXCLUDES(mutex_);
   bool AwaitDemand() ZYN_EXCLUDES(mutex_);
   void PrepareWaiters() ZYN_EXCLUDES(mutex_);
   std::vector<bool> SlotsBeingFilled() ZYN_EXCLUDES(mutex_);
@@ -149,6 +149,7 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   const ProducerLibrary& producer_;
   const bool isUpcoming_;
   GenTL::EVENT_HANDLE event_ = nullptr;  // constant after Start
+  std::optional<Background> thread_;     // constant after Start
   std::size_t ringFrames_ = 0;           // constant after Start: frames kept ready; 0 for no limit
   std::uint64_t firstUnderruns_ = 0;     // constant after Start
   BufferReader reader_;                  // used by the engine's thread only
@@ -157,18 +158,17 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   Mutex mutex_;                     // after Start never held during a producer's call
   std::condition_variable ready_;   // for Grab calls
   std::condition_variable demand_;  // for the engine's thread
-  std::condition_variable calm_;    // for Stop: the thread ended, or a call of the producer returned
+  std::condition_variable calm_;    // for Stop: a call of the producer returned
   // The vector is constant from Start to Stop; memory and handle of a slot as well.
   std::vector<Slot> slots_ ZYN_GUARDED_BY(mutex_);
   std::deque<Delivery> deliveries_ ZYN_GUARDED_BY(mutex_);
   std::list<Waiter*> waiters_ ZYN_GUARDED_BY(mutex_);
   long long remaining_ ZYN_GUARDED_BY(mutex_) = 0;  // frames still to hand out; below 0 for no limit
-  int queueCalls_ ZYN_GUARDED_BY(mutex_) = 0;       // calls of DSQueueBuffer under way
+  int producerCalls_ ZYN_GUARDED_BY(mutex_) = 0;    // calls under way from the application's threads
   bool isAborted_ ZYN_GUARDED_BY(mutex_) = false;
   bool isLost_ ZYN_GUARDED_BY(mutex_) = false;
   bool isEnding_ ZYN_GUARDED_BY(mutex_) = false;
   bool isFetching_ ZYN_GUARDED_BY(mutex_) = false;  // the thread waits, or is about to wait, for the producer
-  bool hasThread_ ZYN_GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zyn::transport
