@@ -209,9 +209,9 @@ TEST_F(NodeMapTest, ASearchPutsTheDeviceSelectorBack) {
   const CameraPtr camera(CreateCamera(Discover().front()));
   ASSERT_EQ(camera->Open(ACCESS_CONTROL), RESULT_OK);
   GenApi::IInteger& selector = Integer(camera->InterfaceNodeMap(), "DeviceSelector");
-  selector.SetValue(1);
+  selector.SetValue(0);  // a search ends at the last device
   EXPECT_EQ(Discover().size(), 2U);
-  EXPECT_EQ(selector.GetValue(false, true), 1);
+  EXPECT_EQ(selector.GetValue(false, true), 0);
 }
 
 TEST_F(NodeMapTest, SelectingUnderTheLockIsNotDisturbedBySearches) {
