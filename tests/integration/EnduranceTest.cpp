@@ -15,6 +15,16 @@ constexpr int kWarmUpRounds = 40;
 constexpr std::size_t kAllowedGrowthKiB =
     2048;  // less than the frames of one round; a leak per round shows many times over
 
+// The address sanitizer holds freed memory back to find its use, so what is resident says nothing there; it finds leaks by
+// itself when the program ends.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kFreedMemoryStays = true;
+#elif defined(__has_feature)
+constexpr bool kFreedMemoryStays = __has_feature(address_sanitizer);
+#else
+constexpr bool kFreedMemoryStays = false;
+#endif
+
 void OneRound() {
   ZYNSDK::ZynCamera camera = chain::Find("GV01");
   ASSERT_EQ(camera.Open(nullptr), 0);
@@ -50,7 +60,9 @@ TEST(Endurance, TwoHundredRoundsOfDiscoverOpenGrabCloseGrowNothing) {
   const zyntest::ProcessUsage after = UsageAtRest(before.threads);
   EXPECT_EQ(after.threads, before.threads);
   EXPECT_EQ(after.fileDescriptors, before.fileDescriptors);
-  EXPECT_LE(after.residentKiB, before.residentKiB + kAllowedGrowthKiB);
+  if (!kFreedMemoryStays) {
+    EXPECT_LE(after.residentKiB, before.residentKiB + kAllowedGrowthKiB);
+  }
   RecordProperty("residentKiBBefore", static_cast<int>(before.residentKiB));
   RecordProperty("residentKiBAfter", static_cast<int>(after.residentKiB));
 }

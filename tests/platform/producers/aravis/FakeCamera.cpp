@@ -75,6 +75,8 @@ void FakeCamera::Restart() {
 
 void FakeCamera::Freeze() {
   kill(process_, SIGSTOP);
+  int status = 0;
+  waitpid(process_, &status, WUNTRACED);  // until it has really stopped: the signal may take its time
 }
 
 void FakeCamera::Thaw() {
