@@ -15,7 +15,6 @@ namespace {
 using namespace GenTL;
 using gige::Bytes;
 using producer::ChunkTrailers;
-using producer::FrameInfo;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::Chunk;

@@ -5,6 +5,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <stdexcept>
 #include <string>
 
 namespace zyn::test {
@@ -112,7 +115,9 @@ StreamingDevice::StreamingDevice(std::uint32_t payloadBytes)
   sockaddr_in own{};
   own.sin_family = AF_INET;
   own.sin_addr.s_addr = htonl(control_.Identity().ip.value);
-  bind(socket_, reinterpret_cast<const sockaddr*>(&own), sizeof own);
+  if (bind(socket_, reinterpret_cast<const sockaddr*>(&own), sizeof own) != 0) {
+    throw std::runtime_error("the streaming device has no socket");
+  }
 }
 
 StreamingDevice::~StreamingDevice() {
