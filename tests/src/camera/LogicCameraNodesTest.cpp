@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "FakeNodeMap.h"
 #include "FakeTransport.h"
 #include "Handles.h"
 #include "LogicCamera.h"
@@ -280,4 +281,17 @@ TEST_F(LogicCameraNodes, EveryValueOperationTurnsExceptionsIntoACode) {
   EXPECT_EQ(camera.SetEnumStringValue("Mode", kRemote, "First"), ZYN_ERROR_EXCEPTION);
   EXPECT_EQ(camera.SetEnumIndexValue("Mode", kRemote, 10), ZYN_ERROR_EXCEPTION);
   EXPECT_EQ(camera.ExecuteNode("Reset", kRemote, 0), ZYN_ERROR_EXCEPTION);
+}
+
+TEST_F(LogicCameraNodes, AListingThatThrowsMidwayStillListsWhatItFound) {
+  fakes::FakeInteger first("First"), lost("Lost"), last("Last");
+  fakes::FakeBoolean second("Second");
+  lost.nameThrows = true;
+  fakes::FakeNodeMap map;
+  map.nodes = {&first, &second, &lost, &last};
+  device.remoteMap.map = &map;
+  EXPECT_EQ(camera.GetNodesByXmlType(&nodes, kRemote), ZYN_ERROR_EXCEPTION);
+  ASSERT_EQ(nodes.length(), 2U);
+  EXPECT_STREQ(nodes[0].Name(), "First");
+  EXPECT_STREQ(nodes[1].Name(), "Second");
 }
