@@ -1,6 +1,7 @@
 #include "map/NodeMap.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "GenApi/ConcatenatedWrite.h"
@@ -86,12 +87,16 @@ void NodeMap::InvalidateClosure(NodeId id) const {
     if (Node* const node = Existing(affected)) node->Forget(true);
 }
 
+void NodeMap::ForgetEverything() const {
+  for (const auto& node : nodes_)
+    if (node) node->Forget(true);
+}
+
 void NodeMap::InvalidateNodes() const {
   std::vector<CNodeCallback*> callbacks;
   {
     const AutoLock lock(lock_);
-    for (const auto& node : nodes_)
-      if (node) node->Forget(true);
+    ForgetEverything();
     CollectAllCallbacks(callbacks);
     FireInside(callbacks);
   }
@@ -334,9 +339,18 @@ WriteCall::WriteCall(Node& node, const char* method)
 
 WriteCall::~WriteCall() {
   if (!held_) return;
-  if (!committed_)
-    for (const NodeId id : written_) map_.InvalidateClosure(id);
+  if (!committed_) ForgetWritten();
   Release();
+}
+
+// Often runs while an exception is on its way, so none may leave it. What changes with a node is worked out when
+// first needed, which takes memory; without that memory more is forgotten than has to be, never less.
+void WriteCall::ForgetWritten() noexcept {
+  try {
+    for (const NodeId id : written_) map_.InvalidateClosure(id);
+  } catch (const std::bad_alloc&) {
+    map_.ForgetEverything();
+  }
 }
 
 void WriteCall::Release() {

@@ -71,6 +71,8 @@ class NodeMap final : public INodeMap, public IDeviceInfo, public IDestroy, publ
 
   /// Forgets the state of the node and of everything that changes with it.
   void InvalidateClosure(NodeId id) const;
+  /// Forgets the state of every node. Allocates nothing and throws nothing.
+  void ForgetEverything() const;
 
   /// "Class.Method()" of the outermost call, for messages.
   std::string EntryPoint() const;
@@ -158,6 +160,7 @@ class WriteCall {
   static void MarkSibling(NodeMap& map, NodeId node);
 
  private:
+  void ForgetWritten() noexcept;
   void Settle();
   bool IsWritten(NodeId id) const;
   void Release();

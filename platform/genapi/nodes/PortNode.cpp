@@ -89,4 +89,9 @@ PortNode::Memory& PortNode::At(std::int64_t address, std::int64_t length) {
   return memory_[{address, length}];
 }
 
+void PortNode::ForgetPlace(std::int64_t address, std::int64_t length) {
+  const auto place = memory_.find({address, length});
+  if (place != memory_.end()) place->second.valid = false;
+}
+
 }  // namespace zyn::genapi

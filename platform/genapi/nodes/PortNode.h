@@ -43,6 +43,8 @@ class PortNode final : public Node, public IPortConstruct, public IChunkPort, pu
 
   /// The memory of that place; the reference holds until the next call.
   Memory& At(std::int64_t address, std::int64_t length);
+  /// What is known of that place, if anything, is no longer valid. Allocates nothing.
+  void ForgetPlace(std::int64_t address, std::int64_t length);
 
  private:
   struct Place {

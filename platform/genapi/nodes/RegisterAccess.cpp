@@ -133,7 +133,8 @@ ECachingMode RegisterAccess::OwnCachingMode() const {
 }
 
 void RegisterAccess::Forget() {
-  if (used_) Port().At(lastAddress_, lastLength_).valid = false;
+  // Without a port nothing was ever read; making its node here would take memory that may be lacking.
+  if (used_ && port_) port_->ForgetPlace(lastAddress_, lastLength_);
 }
 
 }  // namespace zyn::genapi
