@@ -61,7 +61,8 @@ class ZYN_SCOPED_CAPABILITY MutexLock {
 
   /// The same, until `deadline` at the latest. Returns false when the time ran out.
   template <class Clock, class Duration>
-  bool WaitUntil(std::condition_variable& condition, const std::chrono::time_point<Clock, Duration>& deadline) {
+  bool WaitUntil(std::condition_variable& condition,
+                 const std::chrono::time_point<Clock, Duration>& deadline) {
     return condition.wait_until(lock_, deadline) == std::cv_status::no_timeout;
   }
 

@@ -1,2 +1,4 @@
 /// A library that loads, and has none of the functions of a producer.
-extern "C" __attribute__((visibility("default"))) int ZynNoProducer() { return 1; }
+extern "C" __attribute__((visibility("default"))) int ZynNoProducer() {
+  return 1;
+}

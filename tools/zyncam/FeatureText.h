@@ -12,7 +12,7 @@
 namespace zyncam {
 
 /// The feature's value, or nothing when it cannot be read now.
-struct FeatureValue {
+struct FeatureValue {  // NOLINT(bugprone-exception-escape): a null JSON value takes no memory
   bool readable = false;
   std::string text;     ///< for people; empty when not readable
   nlohmann::json json;  ///< number, text or truth value; null when not readable

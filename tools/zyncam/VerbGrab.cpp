@@ -118,7 +118,7 @@ class FrameWriter {
   /// Returns the path of the file, or "" when none is asked for.
   std::string Write(ZYNSDK::ZynImage& image, int number) const {
     if (options_.format == "none") return "";
-    const std::string path = options_.folder + "/image_" + Number("%05.0f", number) + "." + options_.format;
+    std::string path = options_.folder + "/image_" + Number("%05.0f", number) + "." + options_.format;
     const unsigned char* data = image.ImageData();
     if (data == nullptr)
       throw Failure(kExitFailed, "the frame carries no image", "choose another payload on the camera");

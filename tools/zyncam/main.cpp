@@ -2,6 +2,7 @@
 #include <Base/GCException.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <exception>
 #include <functional>
 #include <map>
@@ -202,5 +203,10 @@ int Run(int argc, char** argv) {
 }  // namespace zyncam
 
 int main(int argc, char** argv) {
-  return zyncam::Run(argc, argv);
+  try {
+    return zyncam::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "zyncam: %s\n", error.what());
+    return zyncam::kExitFailed;
+  }
 }

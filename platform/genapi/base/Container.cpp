@@ -24,6 +24,7 @@ node_vector::~node_vector() {
   delete m_pStorage;
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): std::vector sees to it
 node_vector& node_vector::operator=(const node_vector& obj) {
   m_pStorage->items = obj.m_pStorage->items;
   return *this;
@@ -139,6 +140,7 @@ value_vector::~value_vector() {
   delete m_pStorage;
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): std::vector sees to it
 value_vector& value_vector::operator=(const value_vector& obj) {
   m_pStorage->items = obj.m_pStorage->items;
   return *this;

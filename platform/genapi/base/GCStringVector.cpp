@@ -26,6 +26,7 @@ gcstring_vector::~gcstring_vector() {
   delete m_pStorage;
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): std::vector sees to it
 gcstring_vector& gcstring_vector::operator=(const gcstring_vector& obj) {
   m_pStorage->items = obj.m_pStorage->items;
   return *this;

@@ -7,6 +7,7 @@ CNodeCallback::~CNodeCallback() = default;
 void Deregister(CallbackHandleType hCallback) {
   if (hCallback == 0) return;
   // The handle of a registration is the address of its callback.
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the published type of a handle is an integer
   auto* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
   callback->GetNode()->DeregisterCallback(hCallback);
   callback->Destroy();

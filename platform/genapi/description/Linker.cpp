@@ -89,6 +89,7 @@ class Linker {
         const NodeId target = property.Target();
         if (states[target] == State::open) {
           std::vector<NodeId> cycle;
+          cycle.reserve(path.size());
           for (const Step& entry : path) cycle.push_back(entry.node);
           ThrowCycle(cycle, target, property);
         }

@@ -68,7 +68,7 @@ std::string WithoutPadding(const std::string& data) {
   if (at == std::string::npos || data.size() - at < kEndRecordBytes) return data;
   const auto low = static_cast<unsigned char>(data[at + 20]);
   const auto high = static_cast<unsigned char>(data[at + 21]);
-  const std::size_t end = at + kEndRecordBytes + low + 256U * high;
+  const std::size_t end = at + kEndRecordBytes + low + std::size_t{256} * high;
   return data.substr(0, std::min(end, data.size()));
 }
 

@@ -245,7 +245,7 @@ void Node::CheckError() {
 
 gcstring Node::GetName(bool FullQualified) const {
   const std::string_view name = Name();
-  const gcstring text(name.data(), name.size());
+  gcstring text(name.data(), name.size());
   if (!FullQualified) return text;
   return (GetNameSpace() == Standard ? "Std::" : "Cust::") + text;
 }

@@ -15,7 +15,7 @@ IString& StringCore::operator=(const gcstring& Value) {
 
 gcstring StringCore::GetValue(bool Verify, bool IgnoreCache) {
   const Call call(*this, "GetValue");
-  const gcstring value = TextValue({Verify, IgnoreCache});
+  gcstring value = TextValue({Verify, IgnoreCache});
   if (Verify) CheckError();
   return value;
 }

@@ -77,12 +77,12 @@ std::unique_ptr<Stream> Stream::Open(Context context, int& result) {
     return nullptr;
   }
   auto stranded = std::make_shared<std::vector<std::shared_ptr<FrameMemory>>>();
-  std::shared_ptr<void> handle(raw,
-                               [library = context.producer, device = context.device, stranded](void* stream) mutable {
-                                 library->DSClose(stream);
-                                 stranded->clear();
+  std::shared_ptr<void> handle(
+      raw, [library = context.producer, device = context.device, stranded](void* stream) mutable {
+        library->DSClose(stream);
+        stranded->clear();
         device = nullptr;
-                               });
+      });
   std::unique_ptr<Stream> stream(new Stream(std::move(context), std::move(handle), std::move(stranded)));
   stream->errors_ =
       EventPump::Start(stream->context_.producer, stream->handle_, GenTL::EVENT_ERROR,
