@@ -35,7 +35,20 @@ if [[ $quick == no ]]; then
   git ls-files '*.h' '*.c' '*.cpp' | xargs clang-format-14 --dry-run -Werror
 fi
 
+# The demo must show what it promises in under 15 lines, and leave no camera running.
+check_demo() {
+  local before lines images
+  step "demo"
+  before=$(pgrep -c -f arv-fake-gv-camera || true)
+  scripts/demo.sh | tee build/demo.txt
+  lines=$(wc -l <build/demo.txt)
+  images=$(find build/demo -name '*.png' | wc -l)
+  [[ $lines -lt 15 && $images -eq 20 ]] || { echo "the demo wrote $lines lines and $images images" >&2; exit 1; }
+  [[ $(pgrep -c -f arv-fake-gv-camera || true) -le $before ]] || { echo "the demo left a camera running" >&2; exit 1; }
+}
+
 build_and_test release
+check_demo
 
 if [[ $quick == no ]]; then
   build_and_test asan
