@@ -15,18 +15,18 @@ namespace {
 thread_local long allocationsLeft = -1;  // negative: as many as there are
 }
 
-// This program's own: fails on a thread that has used up its allocations.
-void* operator new(std::size_t bytes) {
+// Never inlined: where only one of a pair is, g++ takes them for a mismatch. This program's own: fails on a thread that has used up its allocations.
+__attribute__((noinline)) void* operator new(std::size_t bytes) {
   if (allocationsLeft == 0) throw std::bad_alloc();
   if (allocationsLeft > 0) --allocationsLeft;
   void* memory = std::malloc(bytes == 0 ? 1 : bytes);
   if (!memory) throw std::bad_alloc();
   return memory;
 }
-void operator delete(void* memory) noexcept {
+__attribute__((noinline)) void operator delete(void* memory) noexcept {
   std::free(memory);
 }
-void operator delete(void* memory, std::size_t /*bytes*/) noexcept {
+__attribute__((noinline)) void operator delete(void* memory, std::size_t /*bytes*/) noexcept {
   std::free(memory);
 }
 

@@ -9,16 +9,16 @@ namespace {
 bool hasNoMemory = false;
 }
 
-// This program's own: fails while there is no memory.
-void* operator new(std::size_t bytes) {
+// Never inlined: where only one of a pair is, g++ takes them for a mismatch. This program's own: fails while there is no memory.
+__attribute__((noinline)) void* operator new(std::size_t bytes) {
   void* const memory = hasNoMemory ? nullptr : std::malloc(bytes == 0 ? 1 : bytes);
   if (!memory) throw std::bad_alloc();
   return memory;
 }
-void operator delete(void* memory) noexcept {
+__attribute__((noinline)) void operator delete(void* memory) noexcept {
   std::free(memory);
 }
-void operator delete(void* memory, std::size_t /*bytes*/) noexcept {
+__attribute__((noinline)) void operator delete(void* memory, std::size_t /*bytes*/) noexcept {
   std::free(memory);
 }
 
