@@ -13,10 +13,13 @@
 #include "ZynCamera/HandleArrays.h"
 #include "ZynCamera/Status.h"
 #include "ZynCamera/Types.h"
+#include "ZynCamera/Zyn3DIntArray.h"
 #include "ZynCamera/ZynCameraAttribute.h"
 #include "ZynCamera/ZynChunkData.h"
+#include "ZynCamera/ZynColorArray.h"
 #include "ZynCamera/ZynImage.h"
 #include "ZynCamera/ZynNode.h"
+#include "ZynCamera/ZynRangeImage.h"
 #include "ZynCamera/ZynString.h"
 
 #endif

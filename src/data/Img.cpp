@@ -1,8 +1,10 @@
 #include "Img.h"
 
 #include <cstring>
-#include <cwchar>
 #include <new>
+#include <utility>
+
+#include "PathText.h"
 
 namespace ZYNSDK {
 
@@ -26,6 +28,14 @@ Img::Img(const unsigned char* data, int step, int height, int width, int channel
   channels_ = channels;
   type_ = type;
 }
+
+Img::Img(PixelMemory pixels, int step, int height, int width, int channels, ZynImageType type)
+    : pixels_(std::move(pixels)),
+      step_(step),
+      height_(height),
+      width_(width),
+      channels_(channels),
+      type_(type) {}
 
 // Design decision: only zero is refused. Negative numbers pass, and fail in the allocation when their product
 // is negative. Pinned by NegativeSizesPassTheTestsAndFailInTheAllocation.
@@ -53,18 +63,11 @@ long Img::ReadImage(const wchar_t* /*path*/) {
 }
 
 std::size_t Img::char_to_wchar(wchar_t* dst, const char* src) {
-  if (!src || *src == '\0') return 0;
-  std::mbstate_t state{};
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is our own
-  return std::mbsrtowcs(dst, &src, std::strlen(src) + 1, &state);
+  return PathToWide(dst, src);
 }
 
 std::size_t Img::wchar_to_char(char* dst, const wchar_t* src) {
-  constexpr std::size_t kMostBytesPerCharacter = 4;
-  if (!src || *src == L'\0') return 0;
-  std::mbstate_t state{};
-  // NOLINTNEXTLINE(concurrency-mt-unsafe): the state is our own
-  return std::wcsrtombs(dst, &src, kMostBytesPerCharacter * (std::wcslen(src) + 1), &state);
+  return PathToBytes(dst, src);
 }
 
 }  // namespace ZYNSDK

@@ -21,6 +21,8 @@ class Img : public CRef {
   /// Copies the bytes; stays empty unless the arguments are complete. A negative product raises
   /// std::bad_alloc.
   Img(const unsigned char* data, int step, int height, int width, int channels, ZynImageType type);
+  /// Takes over pixels that somebody else has written. `pixels` holds step * height bytes, at least 1.
+  Img(PixelMemory pixels, int step, int height, int width, int channels, ZynImageType type);
   /// Copies a frame of the transport, which keeps the frame. Stays empty when the frame says that it is not
   /// valid; keeps its numbers but has no buffer when step * height is below 1; has a zeroed buffer when the
   /// frame cannot give its pixels. Type 0 always. Other exceptions of the frame pass.
@@ -46,11 +48,8 @@ class Img : public CRef {
   long ReadImage(const char* path);
   long ReadImage(const wchar_t* path);
 
-  /// Converts `src` and its terminator, in the program's locale. `dst` has room for strlen(src) + 1 wide
-  /// characters. Returns the wide characters written without the terminator, size_t(-1) for bytes that are no
-  /// text, 0 for an empty `src` (then nothing is written).
+  /// As PathText.h describes.
   static std::size_t char_to_wchar(wchar_t* dst, const char* src);
-  /// The other way. `dst` has room for 4 * (wcslen(src) + 1) bytes.
   static std::size_t wchar_to_char(char* dst, const wchar_t* src);
 
  private:

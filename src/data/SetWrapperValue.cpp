@@ -12,6 +12,9 @@ static_assert(sizeof(Zyn3DCamera) == 2 * sizeof(void*));
 static_assert(sizeof(ZynCameraAttribute) == 2 * sizeof(void*));
 static_assert(sizeof(ZynNode) == sizeof(void*));
 static_assert(sizeof(ZynImage) == sizeof(void*));
+static_assert(sizeof(Zyn3DIntArray) == sizeof(void*));
+static_assert(sizeof(ZynRangeImage) == sizeof(void*));
+static_assert(sizeof(ZynColorArray) == sizeof(void*));
 
 void SetWrapperValue(void* handle, void* internal, bool hasVirtualTable) noexcept {
   if (!handle) return;

@@ -1,4 +1,5 @@
 #include "Img.h"
+#include "ReleaseThenTake.h"
 #include "ZynCamera.h"
 
 namespace ZYNSDK {
@@ -12,16 +13,8 @@ ZynImage::ZynImage(const ZynImage& other) : image_(other.image_) {
   if (image_) image_->AddRef();
 }
 
-// Design decision: releases before it takes, also from itself, so the last reference assigned to itself loses
-// its image. Pinned by AssigningTheLastReferenceToItselfDropsTheImage.
 ZynImage& ZynImage::operator=(const ZynImage& other) {  // NOLINT(bugprone-unhandled-self-assignment)
-  if (this == &other) {
-    if (image_ && image_->ReleaseIfLast()) image_ = nullptr;
-    return *this;
-  }
-  if (image_) image_->Release();
-  image_ = other.image_;
-  if (image_) image_->AddRef();
+  ReleaseThenTake(image_, other.image_);
   return *this;
 }
 
