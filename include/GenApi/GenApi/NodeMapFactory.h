@@ -35,6 +35,14 @@ class GENAPI_DECL CNodeMapFactory {
   bool IsLoaded() const;
   bool IsPreprocessed() const;
   bool IsCameraDescriptionFileDataReleased() const;
+  /// Merges another factory's description into this one's when it is parsed. Nodes that only the injected one
+  /// has are added. Of nodes that both have, an injected one with MergePriority -1 is dropped and one with +1
+  /// replaces the other; without priority, the feature lists of two categories are joined, and any other pair
+  /// is an error.
+  void AddInjectionData(CNodeMapFactory& injectionData);
+  /// Parses and merges now.
+  void LoadAndInject();
+
   /// Parses and links now instead of with the first map.
   void Preprocess();
   /// Frees the text. Maps can still be created when it was parsed before.

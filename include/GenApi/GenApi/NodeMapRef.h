@@ -68,6 +68,20 @@ class CNodeMapRefT : public TCameraParams {
   void _LoadXMLFromString(const GENICAM_NAMESPACE::gcstring& XMLData) {
     Load([&XMLData] { return CNodeMapFactory(XMLData); });
   }
+  /// The same with a second description merged into the first, see CNodeMapFactory::AddInjectionData().
+  void _LoadXMLFromFileInject(const GENICAM_NAMESPACE::gcstring& TargetFileName,
+                              const GENICAM_NAMESPACE::gcstring& InjectFileName) {
+    Load([&TargetFileName, &InjectFileName] {
+      return Inject(CNodeMapFactory(ContentType_Xml, TargetFileName),
+                    CNodeMapFactory(ContentType_Xml, InjectFileName));
+    });
+  }
+  void _LoadXMLFromStringInject(const GENICAM_NAMESPACE::gcstring& TargetXMLData,
+                                const GENICAM_NAMESPACE::gcstring& InjectXMLData) {
+    Load([&TargetXMLData, &InjectXMLData] {
+      return Inject(CNodeMapFactory(TargetXMLData), CNodeMapFactory(InjectXMLData));
+    });
+  }
 
   void _GetSupportedSchemaVersions(GENICAM_NAMESPACE::gcstring_vector& SchemaVersions) const {
     CNodeMapFactory().GetSupportedSchemaVersions(SchemaVersions);
@@ -107,6 +121,10 @@ class CNodeMapRefT : public TCameraParams {
     m_Owner.swap(owner);
     _Ptr = m_Owner.get();
     if (_Ptr) TCameraParams::_Initialize(_Ptr);
+  }
+  static CNodeMapFactory Inject(CNodeMapFactory target, CNodeMapFactory injected) {
+    target.AddInjectionData(injected);
+    return target;
   }
   template <class MakeFactory>
   void Load(MakeFactory makeFactory) {

@@ -4,6 +4,7 @@
 #include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "Base/GCException.h"
 #include "description/DescriptionBuilder.h"
@@ -22,11 +23,19 @@ std::string Copy(const gcstring& text) {
 }
 
 // Zip archives are told by their content: the names that devices give their files often mislead.
-std::string XmlOf(std::string data) {
-  return zyn::genapi::ToCleanUtf8(zyn::genapi::IsZip(data) ? zyn::genapi::Unzip(data) : std::move(data));
+struct Source {
+  std::string xml;
+  std::vector<std::string> notes;
+};
+
+Source XmlOf(std::string data) {
+  Source source;
+  source.xml = zyn::genapi::ToCleanUtf8(zyn::genapi::IsZip(data) ? zyn::genapi::Unzip(data) : std::move(data),
+                                        source.notes);
+  return source;
 }
 
-std::string XmlOf(EContentType_t type, std::string data) {
+Source XmlOf(EContentType_t type, std::string data) {
   if (type == ContentType_ZippedXml && !zyn::genapi::IsZip(data))
     throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
   return XmlOf(std::move(data));
@@ -44,18 +53,20 @@ std::string CopyBytes(const void* data, size_t size) {
 /// Shared by the copies of one factory.
 struct CNodeMapFactory::Impl {
   struct Shared {
-    std::string xml;
+    Source source;
+    std::vector<std::string> injected;
     bool released = false;
     std::shared_ptr<const zyn::genapi::Description> description;
   };
   std::shared_ptr<Shared> shared;
 
-  explicit Impl(std::string xml) : shared(std::make_shared<Shared>()) { shared->xml = std::move(xml); }
+  explicit Impl(Source source) : shared(std::make_shared<Shared>()) { shared->source = std::move(source); }
 
   std::shared_ptr<const zyn::genapi::Description> Parsed() const {
     if (!shared->description) {
       if (shared->released) throw RUNTIME_EXCEPTION("The description was released before it was parsed");
-      shared->description = zyn::genapi::BuildDescription(shared->xml);
+      shared->description =
+          zyn::genapi::BuildDescription(shared->source.xml, shared->injected, shared->source.notes);
     }
     return shared->description;
   }
@@ -106,7 +117,23 @@ void CNodeMapFactory::Preprocess() {
 void CNodeMapFactory::ReleaseCameraDescriptionFileData() {
   if (!m_pImpl) return;
   m_pImpl->shared->released = true;
-  std::string().swap(m_pImpl->shared->xml);
+  m_pImpl->shared->source = {};
+  m_pImpl->shared->injected.clear();
+}
+
+void CNodeMapFactory::AddInjectionData(CNodeMapFactory& injectionData) {
+  if (!m_pImpl || !injectionData.m_pImpl) throw RUNTIME_EXCEPTION("The factory holds no description");
+  if (m_pImpl->shared->released || injectionData.m_pImpl->shared->released)
+    throw RUNTIME_EXCEPTION("The description was released before it could be merged");
+  // Copies of this factory keep the description without the injection.
+  auto merged = std::make_shared<Impl::Shared>(*m_pImpl->shared);
+  merged->description.reset();
+  merged->injected.push_back(injectionData.m_pImpl->shared->source.xml);
+  m_pImpl->shared = std::move(merged);
+}
+
+void CNodeMapFactory::LoadAndInject() {
+  Preprocess();
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #include "description/Description.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zyn::genapi {
 
@@ -30,6 +31,15 @@ const Property* Description::Find(NodeId node, Element element) const {
 NodeId Description::FindNode(std::string_view name) const {
   const auto found = index.find(name);
   return found == index.end() ? kNoNode : found->second;
+}
+
+void Description::Tolerate(std::string note) {
+  constexpr std::size_t kMaxNotes = 1000;
+  if (tolerated.size() < kMaxNotes) {
+    tolerated.push_back(std::move(note));
+  } else {
+    ++toleratedBeyond;
+  }
 }
 
 std::string Description::Label(NodeId node) const {

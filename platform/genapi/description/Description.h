@@ -105,6 +105,12 @@ class Description {
   Adjacency selectedBy;
   std::vector<NodeId> polled;
   std::vector<NodeId> ports;
+
+  /// Says that something is wrong and was read as what it must mean.
+  void Tolerate(std::string note);
+  /// What was tolerated, in the order found; after many the rest is only counted.
+  std::vector<std::string> tolerated;
+  std::size_t toleratedBeyond = 0;
 };
 
 }  // namespace zyn::genapi

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Base/GCException.h"
+#include "description/Injection.h"
 #include "description/LineIndex.h"
 #include "description/Linker.h"
 #include "description/NumberText.h"
@@ -48,6 +49,7 @@ bool MayRepeat(Element element) {
     case Element::pAddress:
     case Element::pIndex:
     case Element::pVariable:
+    case Element::pEnumEntry:
     case Element::enumEntry:
     case Element::intSwissKnife:
       return true;
@@ -56,23 +58,40 @@ bool MayRepeat(Element element) {
   }
 }
 
+// What is kept of a node that is never implemented.
+bool IsAboutAnyNode(Element element) {
+  return element == Element::toolTip || element == Element::description || element == Element::displayName ||
+         element == Element::docuUrl;
+}
+
+// Reads one document.
 class Builder {
  public:
-  explicit Builder(std::string&& xml) : xml_(std::move(xml)), lines_(xml_) {}
+  Builder(std::string&& xml, Description& description)
+      : xml_(std::move(xml)), lines_(xml_), description_(&description) {}
 
-  std::shared_ptr<const Description> Run() {
+  void ReadDevice() {
+    const xml_node root = Open();
+    ReadFacts(root);
+    ReadNodes(root);
+  }
+
+  void ReadInjected() {
+    const auto first = static_cast<NodeId>(description_->nodes.size());
+    ReadNodes(Open());
+    MergeInjected(*description_, first, priorities_);
+  }
+
+ private:
+  xml_node Open() {
     Parse();
     const xml_node root = document_.document_element();
     if (LocalName(root) != "RegisterDescription")
       throw RUNTIME_EXCEPTION("The root element is '%s' at line %u, not 'RegisterDescription'", root.name(),
                               Line(root));
-    ReadFacts(root);
-    ReadNodes(root);
-    Link(*description_);
-    return std::move(description_);
+    return root;
   }
 
- private:
   unsigned Line(const xml_node& element) const { return lines_.LineOf(element.offset_debug()); }
 
   void Parse() {
@@ -157,10 +176,13 @@ class Builder {
 
   void ReadTopNode(const xml_node& element, std::string_view kindName) {
     const auto kind = FindNodeKind(kindName);
-    if (!kind || *kind == NodeKind::enumEntry)
-      throw RUNTIME_EXCEPTION("Element '%s' (name '%s') at line %u: this kind of node is not supported",
-                              element.name(), element.attribute("Name").value(), Line(element));
-    AddNode(element, *kind, Intern(RequiredName(element)), xml_node());
+    if (!kind) {
+      description_->Tolerate("Element '" + std::string(element.name()) + "' (name '" +
+                             element.attribute("Name").value() + "') at line " +
+                             std::to_string(Line(element)) + ": no such kind of node is known");
+      if (Trim(element.attribute("Name").value()).empty()) return;
+    }
+    AddNode(element, kind.value_or(NodeKind::unknown), Intern(RequiredName(element)), xml_node());
   }
 
   std::string_view RequiredName(const xml_node& element) const {
@@ -190,6 +212,8 @@ class Builder {
     record.name = name;
     record.owner = kNoNode;
     out.nodes.push_back(record);
+    priorities_.resize(out.nodes.size(), 0);
+    priorities_[id] = PriorityOf(element);
     std::vector<std::pair<xml_node, NodeId>> inner;
     ReadProperties(id, element, inner);
     if (inherited) ReadInherited(id, inherited, inner);
@@ -197,6 +221,12 @@ class Builder {
     CheckMandatory(id);
     AddInnerNodes(id, inner);
     return id;
+  }
+
+  static std::int8_t PriorityOf(const xml_node& element) {
+    const std::string_view text = Trim(element.attribute("MergePriority").value());
+    if (text.empty() || text == "0") return 0;
+    return text.front() == '-' ? -1 : 1;
   }
 
   // Nodes inside a node follow it, so that every node's properties stay together.
@@ -225,8 +255,19 @@ class Builder {
   void ReadProperties(NodeId id, const xml_node& element, std::vector<std::pair<xml_node, NodeId>>& inner) {
     for (const xml_node& child : element.children()) {
       if (child.type() != pugi::node_element) continue;
-      if (const auto known = FindElement(LocalName(child))) AddProperty(id, child, *known, inner);
+      if (const auto known = FindElement(LocalName(child))) {
+        AddProperty(id, child, *known, inner);
+      } else {
+        NoteUnknown(id, child);
+      }
     }
+  }
+
+  void NoteUnknown(NodeId id, const xml_node& child) {
+    if (LocalName(child) == "Extension" || IsNeverImplemented(description_->nodes[id].kind)) return;
+    description_->Tolerate("Element '" + std::string(child.name()) + "' at line " +
+                           std::to_string(Line(child)) + " of node " + description_->Label(id) +
+                           " is unknown and was skipped");
   }
 
   void ReadInherited(NodeId id, const xml_node& structure, std::vector<std::pair<xml_node, NodeId>>& inner) {
@@ -247,6 +288,7 @@ class Builder {
                    std::vector<std::pair<xml_node, NodeId>>& inner) {
     Description& out = *description_;
     const NodeKind kind = out.nodes[id].kind;
+    if (IsNeverImplemented(kind) && !IsAboutAnyNode(element)) return;
     if (element == Element::pOffset) return;  // an attribute, see AddOffset
     if (element == Element::intSwissKnife && !IsRegisterKind(kind)) return;
     if (element == Element::enumEntry && kind != NodeKind::enumeration) return;
@@ -342,6 +384,8 @@ class Builder {
     for (std::size_t i = out.nodes[id].firstProperty; i < out.properties.size(); ++i) {
       if (out.properties[i].element != property.element) continue;
       out.properties[i] = property;
+      out.Tolerate("Element " + std::string(XmlName(property.element)) + " of node " + out.Label(id) +
+                   " is repeated; the one at line " + std::to_string(property.line) + " holds");
       return true;
     }
     return false;
@@ -387,6 +431,7 @@ class Builder {
         return RequireOneOf(id, {Element::pValue});
       case NodeKind::maskedIntReg:
         RequireOneOf(id, {Element::bit, Element::lsb, Element::msb});
+        NoteBitOrder(id);
         [[fallthrough]];
       case NodeKind::intReg:
       case NodeKind::floatReg:
@@ -397,6 +442,18 @@ class Builder {
       default:
         return;
     }
+  }
+
+  // Little-endian registers count from the least significant bit, big-endian ones from the most significant.
+  void NoteBitOrder(NodeId id) {
+    const Property* const lsb = description_->Find(id, Element::lsb);
+    const Property* const msb = description_->Find(id, Element::msb);
+    const Property* const order = description_->Find(id, Element::endianess);
+    if (!lsb || !msb) return;
+    const bool isBig = order && order->number == GENAPI_NAMESPACE::BigEndian;
+    if (isBig ? lsb->number >= msb->number : msb->number >= lsb->number) return;
+    description_->Tolerate("Elements LSB and MSB of node " + description_->Label(id) +
+                           " are exchanged for its byte order");
   }
 
   void RequireOneOf(NodeId id, std::initializer_list<Element> elements) const {
@@ -428,14 +485,22 @@ class Builder {
   std::string xml_;
   LineIndex lines_;
   pugi::xml_document document_;
-  std::shared_ptr<Description> description_ = std::make_shared<Description>();
+  Description* const description_;
+  // By node; of the nodes of earlier documents nothing is known.
+  std::vector<std::int8_t> priorities_;
   std::unordered_map<std::string_view, TextRef> interned_;
 };
 
 }  // namespace
 
-std::shared_ptr<const Description> BuildDescription(std::string xml) {
-  return Builder(std::move(xml)).Run();
+std::shared_ptr<const Description> BuildDescription(std::string xml, std::vector<std::string> injected,
+                                                    std::vector<std::string> notes) {
+  auto description = std::make_shared<Description>();
+  description->tolerated = std::move(notes);
+  Builder(std::move(xml), *description).ReadDevice();
+  for (std::string& document : injected) Builder(std::move(document), *description).ReadInjected();
+  Link(*description);
+  return description;
 }
 
 }  // namespace zyn::genapi

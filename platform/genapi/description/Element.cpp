@@ -34,6 +34,12 @@ constexpr std::array kKinds = {
     KindName{"SwissKnife", NodeKind::swissKnife},
     KindName{"IntSwissKnife", NodeKind::intSwissKnife},
     KindName{"Port", NodeKind::port},
+    KindName{"ConfRom", NodeKind::confRom},
+    KindName{"TextDesc", NodeKind::textDesc},
+    KindName{"IntKey", NodeKind::intKey},
+    KindName{"AdvFeatureLock", NodeKind::advFeatureLock},
+    KindName{"SmartFeature", NodeKind::smartFeature},
+    KindName{"Unknown", NodeKind::unknown},
 };
 
 struct ElementRow {
@@ -114,6 +120,7 @@ constexpr std::array kElements = {
     ElementRow{"pCommandValue", Element::pCommandValue, Lexical::link},
     ElementRow{"pVariable", Element::pVariable, Lexical::link},
     ElementRow{"pChunkID", Element::pChunkId, Lexical::link},
+    ElementRow{"pEnumEntry", Element::pEnumEntry, Lexical::link},
     ElementRow{"EnumEntry", Element::enumEntry, Lexical::inner},
     ElementRow{"IntSwissKnife", Element::intSwissKnife, Lexical::inner},
 };
@@ -245,6 +252,7 @@ bool IsReadingLink(Element element) {
     case Element::pCastAlias:
     case Element::pInvalidator:
     case Element::pSelected:
+    case Element::pEnumEntry:
     case Element::enumEntry:
       return false;
     case Element::intSwissKnife:

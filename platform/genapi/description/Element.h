@@ -28,6 +28,14 @@ enum class NodeKind : std::uint8_t {
   swissKnife,
   intSwissKnife,
   port,
+  // Of cameras on older buses. They load, and are never implemented.
+  confRom,
+  textDesc,
+  intKey,
+  advFeatureLock,
+  smartFeature,
+  /// A kind that no version of the schema has.
+  unknown,
 };
 
 enum class Element : std::uint8_t {
@@ -106,6 +114,7 @@ enum class Element : std::uint8_t {
   pCommandValue,
   pVariable,
   pChunkId,
+  pEnumEntry,  ///< schema 1.0; the linker makes enumEntry of it
   // nodes written inside another one
   enumEntry,
   intSwissKnife,
@@ -121,6 +130,11 @@ enum class Lexical : std::uint8_t {
   link,
   inner,  ///< a node of its own
 };
+
+/// Whether nodes of this kind load but are never implemented. Of such a node only texts are kept.
+constexpr bool IsNeverImplemented(NodeKind kind) {
+  return kind >= NodeKind::confRom;
+}
 
 std::optional<NodeKind> FindNodeKind(std::string_view xmlName);
 std::optional<Element> FindElement(std::string_view xmlName);

@@ -53,9 +53,24 @@ class Linker {
       throw RUNTIME_EXCEPTION("Element %s at line %u of node %s: dangling node reference '%s'",
                               XmlName(link.element), link.line, out_.Label(id).c_str(),
                               std::string(out_.Text(link.text)).c_str());
+    if (target == kNoNode)
+      out_.Tolerate("Element " + std::string(XmlName(link.element)) + " at line " +
+                    std::to_string(link.line) + " of node " + out_.Label(id) + ": there is no node '" +
+                    std::string(out_.Text(link.text)) + "'");
+    if (link.element == Element::pEnumEntry) return AdoptEntry(id, target, link);
     if (link.element == Element::pPort && out_.nodes[target].kind != NodeKind::port)
       throw RUNTIME_EXCEPTION("Element pPort at line %u of node %s: %s is no Port", link.line,
                               out_.Label(id).c_str(), out_.Label(target).c_str());
+  }
+
+  // Older descriptions keep entries outside of their enumeration. From here on they are like all others.
+  void AdoptEntry(NodeId enumeration, NodeId entry, Property& link) {
+    if (out_.nodes[entry].kind != NodeKind::enumEntry)
+      throw RUNTIME_EXCEPTION("Element pEnumEntry at line %u of node %s: %s is no EnumEntry", link.line,
+                              out_.Label(enumeration).c_str(), out_.Label(entry).c_str());
+    link.element = Element::enumEntry;
+    link.attribute = out_.nodes[entry].name;
+    out_.nodes[entry].owner = enumeration;
   }
 
   bool IsLink(NodeId id, const Property& property) const {

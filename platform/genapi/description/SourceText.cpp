@@ -3,6 +3,7 @@
 #include <zip.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <memory>
@@ -94,6 +95,56 @@ bool IsUtf8(std::string_view text) {
   return true;
 }
 
+void AppendUtf8(std::string& out, std::uint32_t code) {
+  const auto tail = [code](int shift) { return static_cast<char>(0x80 | (code >> shift & 0x3F)); };
+  if (code < 0x80) {
+    out += static_cast<char>(code);
+  } else if (code < 0x800) {
+    out += {static_cast<char>(0xC0 | code >> 6), tail(0)};
+  } else if (code < 0x10000) {
+    out += {static_cast<char>(0xE0 | code >> 12), tail(6), tail(0)};
+  } else {
+    out += {static_cast<char>(0xF0 | code >> 18), tail(12), tail(6), tail(0)};
+  }
+}
+
+enum class Units { bytes, utf16Little, utf16Big };
+
+// By the byte-order mark or, without one, by the first character, which can only be '<' or white space.
+Units UnitsOf(std::string_view data) {
+  if (data.size() < 2) return Units::bytes;
+  const std::string_view start = data.substr(0, 2);
+  if (start == "\xFF\xFE"sv || (start[1] == '\0' && start[0] != '\0')) return Units::utf16Little;
+  if (start == "\xFE\xFF"sv || (start[0] == '\0' && start[1] != '\0')) return Units::utf16Big;
+  return Units::bytes;
+}
+
+// A surrogate without its partner becomes the replacement character.
+std::string FromUtf16(std::string_view data, bool bigEndian) {
+  constexpr std::uint32_t kReplacement = 0xFFFD;
+  const auto unit = [&](std::size_t at) {
+    const auto first = static_cast<unsigned char>(data[at]);
+    const auto second = static_cast<unsigned char>(data[at + 1]);
+    return static_cast<std::uint32_t>(bigEndian ? first << 8 | second : second << 8 | first);
+  };
+  std::string out;
+  out.reserve(data.size() / 2);
+  for (std::size_t at = 0; at + 1 < data.size(); at += 2) {
+    std::uint32_t code = unit(at);
+    if (code == 0xFEFF && at == 0) continue;
+    const bool isHigh = code >= 0xD800 && code < 0xDC00;
+    const std::uint32_t low = isHigh && at + 3 < data.size() ? unit(at + 2) : 0;
+    if (isHigh && low >= 0xDC00 && low < 0xE000) {
+      code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+      at += 2;
+    } else if (code >= 0xD800 && code < 0xE000) {
+      code = kReplacement;
+    }
+    AppendUtf8(out, code);
+  }
+  return out;
+}
+
 std::string RepairUtf8(std::string_view text, bool isLatin1) {
   std::string out;
   out.reserve(text.size() + text.size() / 8);
@@ -168,15 +219,21 @@ std::string Unzip(const std::string& data) {
   }
 }
 
-std::string ToCleanUtf8(std::string data) {
+std::string ToCleanUtf8(std::string data, std::vector<std::string>& notes) {
+  const Units units = UnitsOf(data);
+  if (units != Units::bytes) data = FromUtf16(data, units == Units::utf16Big);
   std::string_view text = data;
   if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
   const std::size_t start = text.find_first_not_of(" \t\r\n");
   text.remove_prefix(std::min(start, text.size()));
+  const std::string_view whole = text;
   text = UpToRootEnd(text);
+  if (whole.substr(text.size()).find_first_not_of(" \t\r\n\0"sv) != whole.npos)
+    notes.emplace_back("What follows the root element was skipped");
   while (!text.empty() && text.back() == '\0') text.remove_suffix(1);
-  const bool isLatin1 = DeclaresLatin1(text);
+  const bool isLatin1 = units == Units::bytes && DeclaresLatin1(text);
   if (!isLatin1 && IsUtf8(text)) return text.size() == data.size() ? std::move(data) : std::string(text);
+  if (!isLatin1) notes.emplace_back("Bytes that are not UTF-8 were taken as Latin-1");
   return RepairUtf8(text, isLatin1);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 namespace zyn::genapi {
 
@@ -19,9 +20,10 @@ bool IsZip(const std::string& data);
 /// entries that unpack to more than kMaxDescriptionBytes.
 std::string Unzip(const std::string& data);
 
-/// As UTF-8, without byte-order mark, leading white space, and whatever follows the root element. Bytes that
-/// are not UTF-8 are taken as Latin-1.
-std::string ToCleanUtf8(std::string data);
+/// As UTF-8, without byte-order mark, leading white space, and whatever follows the root element. UTF-16 in
+/// either byte order is recognised by its mark or its first characters; bytes that are not UTF-8 are taken as
+/// Latin-1. What had to be repaired is appended to `notes`.
+std::string ToCleanUtf8(std::string data, std::vector<std::string>& notes);
 
 }  // namespace zyn::genapi
 

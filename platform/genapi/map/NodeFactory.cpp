@@ -1,5 +1,6 @@
 #include "map/NodeFactory.h"
 
+#include "nodes/AbsentNodes.h"
 #include "nodes/BooleanNode.h"
 #include "nodes/CategoryNode.h"
 #include "nodes/CommandNode.h"
@@ -60,6 +61,15 @@ std::unique_ptr<Node> MakeNode(NodeMap& map, NodeId id) {
       return std::make_unique<IntSwissKnifeNode>(map, id);
     case NodeKind::port:
       return std::make_unique<PortNode>(map, id);
+    case NodeKind::intKey:
+    case NodeKind::smartFeature:
+      return std::make_unique<AbsentInteger>(map, id);
+    case NodeKind::textDesc:
+      return std::make_unique<AbsentString>(map, id);
+    case NodeKind::confRom:
+    case NodeKind::advFeatureLock:
+    case NodeKind::unknown:
+      return std::make_unique<AbsentNode>(map, id);
   }
   throw LOGICAL_ERROR_EXCEPTION("Unknown kind of node");
 }

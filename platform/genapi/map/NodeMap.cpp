@@ -298,6 +298,13 @@ UserData_t NodeMap::SetUserData(UserData_t pUserData) {
   return std::exchange(userData_, pUserData);
 }
 
+void NodeMap::GetLoadNotes(gcstring_vector& Notes) const {
+  Notes.clear();
+  for (const std::string& note : description_->tolerated) Notes.push_back(Copy(note));
+  if (description_->toleratedBeyond == 0) return;
+  Notes.push_back(Copy("and " + std::to_string(description_->toleratedBeyond) + " more"));
+}
+
 // Calls
 
 std::string NodeMap::EntryPoint() const {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "GenApi/GenApi.h"
+#include "GenApi/ILoadNotes.h"
 #include "description/Description.h"
 
 namespace zyn::genapi {
@@ -21,7 +22,11 @@ class WriteCall;
 
 /// One device's nodes over a shared description. A node object is made when it is first asked for.
 /// Everything that is not part of a public interface is called with the lock held.
-class NodeMap final : public INodeMap, public IDeviceInfo, public IDestroy, public IUserData {
+class NodeMap final : public INodeMap,
+                      public IDeviceInfo,
+                      public IDestroy,
+                      public IUserData,
+                      public ILoadNotes {
  public:
   /// `lock` is borrowed when given, else the map has its own.
   NodeMap(std::shared_ptr<const Description> description, std::string deviceName, CLock* lock);
@@ -59,6 +64,7 @@ class NodeMap final : public INodeMap, public IDeviceInfo, public IDestroy, publ
   void Destroy() override;
   UserData_t GetUserData() const override;
   UserData_t SetUserData(UserData_t pUserData) override;
+  void GetLoadNotes(gcstring_vector& Notes) const override;
 
   const Description& Facts() const { return *description_; }
   const std::string& DeviceName() const { return deviceName_; }

@@ -7,6 +7,7 @@ namespace zyn::genapi {
 std::string_view EnumEntryNode::Symbolic() const {
   const std::string_view own = Text(Element::symbolic);
   if (!own.empty()) return own;
+  if (Record().owner == kNoNode) return Name();
   // The name that the entry has inside its enumeration.
   for (const Property& property : Map().Facts().Properties(Record().owner))
     if (property.element == Element::enumEntry && property.Target() == Id())

@@ -15,6 +15,8 @@ EInterfaceType InterfaceTypeOf(NodeKind kind) {
     case NodeKind::maskedIntReg:
     case NodeKind::intConverter:
     case NodeKind::intSwissKnife:
+    case NodeKind::intKey:
+    case NodeKind::smartFeature:
       return intfIInteger;
     case NodeKind::boolean:
       return intfIBoolean;
@@ -31,12 +33,16 @@ EInterfaceType InterfaceTypeOf(NodeKind kind) {
       return intfIFloat;
     case NodeKind::string:
     case NodeKind::stringReg:
+    case NodeKind::textDesc:
       return intfIString;
     case NodeKind::reg:
       return intfIRegister;
     case NodeKind::port:
       return intfIPort;
     case NodeKind::node:
+    case NodeKind::confRom:
+    case NodeKind::advFeatureLock:
+    case NodeKind::unknown:
       return intfIValue;
   }
   return intfIBase;

@@ -34,7 +34,6 @@ struct HostileRow {
 // The first node stands in line 3.
 TEST(Loading, BrokenDescriptionsAreRefusedWithElementAndLine) {
   const HostileRow rows[] = {
-      {"unknown kind", "<DcamLock Name=\"X\"/>", {"DcamLock", "X", "line 3"}},
       {"no name", "<Integer><Value>1</Value></Integer>", {"Integer", "line 3", "name"}},
       {"no value", "<Integer Name=\"X\"/>", {"X (Integer, line 3)", "Value"}},
       {"no port",
