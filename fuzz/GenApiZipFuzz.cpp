@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "Base/GCException.h"
 #include "description/SourceText.h"
@@ -38,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const std::string unpacked = IsZip(bytes) ? Unzip(bytes) : bytes;
     if (unpacked.size() > kMaxDescriptionBytes) std::abort();
-    const std::string text = ToCleanUtf8(unpacked);
+    std::vector<std::string> notes;
+    const std::string text = ToCleanUtf8(unpacked, notes);
     if (!IsUtf8(text) || text.size() > 2 * unpacked.size()) std::abort();
   } catch (const GENICAM_NAMESPACE::GenericException&) {
     return 0;
