@@ -7,6 +7,7 @@
 #ifndef ZYNCAMERA_H
 #define ZYNCAMERA_H
 
+#include "ZynCamera/CameraEvents.h"
 #include "ZynCamera/CameraHandles.h"
 #include "ZynCamera/Export.h"
 #include "ZynCamera/Functions.h"

@@ -177,4 +177,12 @@ ZynStringArray GetCLCameraSerials() {
   return g_CameraManager.GetCLCameraSerials();
 }
 
+long RegisterCameraEventHandler(ICameraEventHandler* handler) {
+  return g_CameraManager.RegisterCameraEventHandler(handler);
+}
+
+long Register3DCameraEventHandler(I3DCameraEventHandler* handler) {
+  return g_CameraManager.Register3DCameraEventHandler(handler);
+}
+
 }  // namespace ZYNSDK

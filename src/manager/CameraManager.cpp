@@ -1,10 +1,12 @@
 #include "CameraManager.h"
 
+#include <utility>
+
 #include "EmptyText.h"
+#include "HandleOn.h"
 #include "KELGeniCam.h"
 #include "LogicCamera.h"
 #include "PhysicCamera.h"
-#include "SetWrapperValue.h"
 #include "ZynCamera/Status.h"
 
 namespace ZYNSDK {
@@ -14,13 +16,6 @@ namespace {
 constexpr int kAllKinds = 0;
 constexpr int kOnly2D = 2;
 constexpr int kOnly3D = 3;
-
-template <class Handle>
-Handle HandleOn(LogicCamera* camera) {
-  Handle handle;
-  SetWrapperValue(&handle, camera, true);
-  return handle;
-}
 
 bool IsOfKind(LogicCamera& camera, int kind) {
   if (kind == kOnly2D) return !camera.Is3DCamera();
@@ -45,9 +40,11 @@ ZynStringArray ToStrings(const std::list<std::string>& texts) {
 
 }  // namespace
 
-CameraManager::CameraManager() = default;
+CameraManager::CameraManager(ScanThread::Tick tick) : tick_(std::move(tick)) {}
 
-CameraManager::~CameraManager() = default;
+CameraManager::~CameraManager() {
+  scanThread_.reset();  // before the cameras and listeners that it uses
+}
 
 long CameraManager::ZynSDKInit() {
   KELGENICAM::Init();
@@ -190,6 +187,48 @@ ZynStringArray CameraManager::GetCLCameraSerials() {
   std::list<std::string> serials;
   KELGENICAM::GetCLSerials(serials);
   return ToStrings(serials);
+}
+
+// The lock is taken inside: only the names of the listeners are used here, not their content.
+long CameraManager::RegisterCameraEventHandler(ICameraEventHandler* handler) ZYN_NO_THREAD_SAFETY_ANALYSIS {
+  RegisterScanListener(listener2D_, handler, nullptr);
+  return ZYN_OK;
+}
+
+long CameraManager::Register3DCameraEventHandler(I3DCameraEventHandler* handler)
+    ZYN_NO_THREAD_SAFETY_ANALYSIS {
+  RegisterScanListener(listener3D_, nullptr, handler);
+  return ZYN_OK;
+}
+
+// Design decision: a listener starts afresh at every registration, so a handler that is registered again hears
+// of all cameras again. Pinned by CameraEventsTest.RegisteringTheSameHandlerAgainReportsAllCamerasAgain.
+void CameraManager::RegisterScanListener(ScanListener& listener, ICameraEventHandler* handler2D,
+                                         I3DCameraEventHandler* handler3D) {
+  std::unique_ptr<ScanThread> ended;  // goes after the lock: the thread needs it to come to its end
+  zyn::MutexLock lock(listenerMutex_);
+  listener.Set(handler2D);
+  listener.Set(handler3D);
+  if (!listener2D_.IsValid() && !listener3D_.IsValid()) {
+    ended = std::move(scanThread_);
+  } else if (!scanThread_) {
+    scanThread_ = std::make_unique<ScanThread>(this, tick_);
+  }
+}
+
+ScanListener::Cameras CameraManager::Snapshot() {
+  ScanListener::Cameras cameras;
+  zyn::MutexLock lock(registryMutex_);
+  for (const auto& [serialNumber, camera] : cameras_) cameras.emplace(serialNumber, camera.get());
+  return cameras;
+}
+
+void CameraManager::ScanForListeners() {
+  SearchCameras();
+  const ScanListener::Cameras registered = Snapshot();
+  zyn::MutexLock lock(listenerMutex_);
+  listener2D_.OnScan(registered);
+  listener3D_.OnScan(registered);
 }
 
 }  // namespace ZYNSDK

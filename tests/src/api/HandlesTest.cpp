@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <future>
 #include <memory>
 #include <string>
 #include <type_traits>
 #include <vector>
 
+#include "EventRecorder.h"
 #include "FakeTransport.h"
 #include "Handles.h"
 #include "TestNodeMap.h"
@@ -147,6 +149,30 @@ TEST(FreeFunctions, CameraLinkTextsReachTheTransport) {
   transport.serials = {"s", "t"};
   EXPECT_EQ(GetCLCameraProtocols().length(), 1U);
   EXPECT_EQ(GetCLCameraSerials().length(), 2U);
+}
+
+TEST(FreeFunctions, EventHandlersOfBothKindsHearOfTheOneRegistry) {
+  fakes::FakeTransport transport;
+  transport.present = {&Info("E2", "Area-1"), &Info("E3", "VX7-1")};
+  fakes::EventLog log;
+  fakes::EventRecorder area(log);
+  fakes::EventRecorder laser(log);
+  std::promise<void> areaCalled;
+  std::promise<void> laserCalled;
+  area.hook = [&] { areaCalled.set_value(); };
+  laser.hook = [&] { laserCalled.set_value(); };
+  EXPECT_EQ(RegisterCameraEventHandler(&area), 0);
+  areaCalled.get_future().wait();
+  EXPECT_EQ(RegisterCameraEventHandler(nullptr), 0);  // so that the next one has a new thread, and at once
+  EXPECT_EQ(Register3DCameraEventHandler(&laser), 0);
+  laserCalled.get_future().wait();
+  EXPECT_EQ(Register3DCameraEventHandler(nullptr), 0);
+  ZynCamera camera;
+  Zyn3DCamera camera3D;
+  ASSERT_EQ(DiscoveryCamera("E2", &camera), 0);
+  ASSERT_EQ(Discovery3DCamera("E3", &camera3D), 0);
+  EXPECT_EQ(log.Take(), (std::vector<fakes::CameraEvent>{{InternalOf(camera), 1, false},
+                                                         {InternalOf(camera3D), 1, true}}));
 }
 
 TEST(ZynCameraHandle, CopiesActOnTheSameDeviceAndOutliveTheOriginal) {

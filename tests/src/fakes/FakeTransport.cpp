@@ -26,6 +26,16 @@ FakeTransport& FakeTransport::Current() {
   return *current;
 }
 
+void FakeTransport::SetPresent(const std::list<KELGENICAM::ICameraInfo*>& infos) {
+  zyn::MutexLock lock(presentMutex_);
+  present = infos;
+}
+
+std::list<KELGENICAM::ICameraInfo*> FakeTransport::Present() {
+  zyn::MutexLock lock(presentMutex_);
+  return present;
+}
+
 void FakeTransport::Enter(const char* name) {
   calls.Add(name);
   if (hook) hook(name);
@@ -49,7 +59,7 @@ int UnInit() {
 
 int Discovery(const char* filter, std::list<ICameraInfo*>& found) {
   FakeTransport::Current().Enter(filter ? "FilteredDiscovery" : "Discovery");
-  found = FakeTransport::Current().present;
+  found = FakeTransport::Current().Present();
   return 0;
 }
 

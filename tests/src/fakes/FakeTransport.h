@@ -11,6 +11,7 @@
 #include "FakeCamera.h"
 #include "FakeCameraInfo.h"
 #include "KELGeniCam.h"
+#include "ThreadAnnotations.h"
 
 namespace fakes {
 
@@ -23,6 +24,10 @@ class FakeTransport {
   FakeTransport& operator=(const FakeTransport&) = delete;
   ~FakeTransport();
   static FakeTransport& Current();
+
+  /// What Discovery finds from now on; unlike the member, it may be changed while another thread searches.
+  void SetPresent(const std::list<KELGENICAM::ICameraInfo*>& infos);
+  std::list<KELGENICAM::ICameraInfo*> Present();
 
   // Script. The hook runs in every call with its name, and may throw or wait.
   std::function<void(const std::string& call)> hook;
@@ -43,6 +48,9 @@ class FakeTransport {
   std::vector<Address> addresses;
 
   void Enter(const char* name);
+
+ private:
+  zyn::Mutex presentMutex_;  // between SetPresent and Discovery
 };
 
 }  // namespace fakes
