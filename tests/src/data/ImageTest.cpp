@@ -3,16 +3,19 @@
 #include <climits>
 #include <clocale>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <latch>
 #include <memory>
 #include <new>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "Handles.h"
 #include "Img.h"
+#include "SetWrapperValue.h"
 #include "ZynCamera.h"
 
 using namespace ZYNSDK;
@@ -81,6 +84,21 @@ TEST(ZynImage, BitDepthIsTheTypeCode) {
   auto pixels = Pixels(8);
   EXPECT_EQ(ZynImage(pixels.data(), 8, 1, 1, 1, ZYN_IMAGE_F64).BitDepth(), 6);
   EXPECT_EQ(ZynImage(pixels.data(), 8, 1, 1, 1, ZYN_IMAGE_U8).BitDepth(), 0);
+}
+
+TEST(Img, TakesOverPixelsThatAreThere) {
+  PixelMemory pixels(6);
+  std::memcpy(pixels.Data(), Pixels(6).data(), 6);
+  const unsigned char* data = pixels.Data();
+  ZynImage image;
+  SetWrapperValue(&image, new Img(std::move(pixels), 3, 2, 3, 1, ZYN_IMAGE_S8), false);
+  EXPECT_EQ(image.ImageData(), data);
+  EXPECT_EQ(Content(image), Pixels(6));
+  EXPECT_EQ(image.Step(), 3);
+  EXPECT_EQ(image.Height(), 2);
+  EXPECT_EQ(image.Width(), 3);
+  EXPECT_EQ(image.Channels(), 1);
+  EXPECT_EQ(image.BitDepth(), ZYN_IMAGE_S8);
 }
 
 TEST_P(ZynImageRefuses, AndConstructingGivesAnEmptyImageThatIsNoNullHandle) {
