@@ -1,0 +1,115 @@
+#include "cameras/CameraCore.h"
+
+#include <cmath>
+
+#include "cameras/ChunkLayout.h"
+
+namespace zyn::cameras {
+
+CameraCore::CameraCore(Identity identity, Clock& clock)
+    : identity_(std::move(identity)), clock_(clock), poweredUpAt_(clock.NowNs()) {
+  features_.LockWhile([this] { return pacer_.IsRunning(); });
+}
+
+void CameraCore::Finish(const std::string& summary) {
+  features_.BuildRegisters(registers_);
+  description_ = features_.BuildDescription(identity_.vendor, identity_.model, summary);
+}
+
+void CameraCore::TakeFrame(Frame& frame, std::size_t shortenBy) {
+  frame = Frame();
+  frame.timestampNs = pacer_.DueNs().value_or(0);
+  frame.id = ++frameNumber_;
+  PlanFrame(frame, shortenBy);
+  NumberLayout(frame);
+  pacer_.Take(NowNs());
+}
+
+void CameraCore::SetLine(unsigned line, bool isHigh) {
+  if (line >= std::size(lines_) || lines_[line] == isHigh) return;
+  lines_[line] = isHigh;
+  OnEdge(line, isHigh);
+}
+
+RegisterStatus CameraCore::Start() {
+  if (pacer_.IsRunning()) return RegisterStatus::accessDenied;
+  frameNumber_ = 0;
+  OnStart();
+  pacer_.Start(MakePace(), NowNs());
+  return RegisterStatus::ok;
+}
+
+void CameraCore::Reset() {
+  pacer_.Stop();
+  latchedTime_ = 0;
+  ++resets_;
+  OnReset();
+}
+
+// Warms up from 32 to 44 degrees within some minutes.
+double CameraCore::Temperature() const {
+  const double minutes = static_cast<double>(NowNs() - poweredUpAt_) / 60e9;
+  return 44.0 - 12.0 * std::exp(-minutes / 5.0);
+}
+
+void CameraCore::AddDeviceFeatures() {
+  const auto text = [this](const char* name, const char* tip, std::string Identity::*member) {
+    features_.Text(name, tip, 64, [this, member] { return identity_.*member; });
+  };
+  features_.Category("DeviceControl", "What the camera is, and its state.");
+  text("DeviceVendorName", "Name of the maker.", &Identity::vendor);
+  text("DeviceModelName", "Name of the model.", &Identity::model);
+  text("DeviceVersion", "Version of the camera.", &Identity::version);
+  text("DeviceSerialNumber", "Serial number: no two cameras of a maker have the same.", &Identity::serial);
+  features_.Text("DeviceUserID", "A name that the user gives the camera.", 64, &identity_.userName);
+  features_
+      .Float("DeviceTemperature", "Temperature of the main board.",
+             std::function<double()>([this] { return Temperature(); }))
+      .Unit("C")
+      .Expert()
+      .Volatile();
+  features_
+      .Command("DeviceReset", "Restarts the camera: ends the acquisition and loads the start-up settings.",
+               {[this] {
+                 Reset();
+                 return RegisterStatus::ok;
+               }})
+      .Guru();
+  features_
+      .Command("TimestampLatch", "Stores the camera's present time in TimestampLatchValue.", {[this] {
+                 latchedTime_ = NowNs();
+                 return RegisterStatus::ok;
+               }})
+      .Expert();
+  features_
+      .Int("TimestampLatchValue", "The time stored by TimestampLatch.",
+           std::function<std::int64_t()>([this] { return latchedTime_; }))
+      .Unit("ns")
+      .Expert()
+      .Volatile();
+}
+
+void CameraCore::AddAcquisitionCommands() {
+  features_.Command("AcquisitionStart", "Starts the acquisition.", {[this] { return Start(); }});
+  features_.Command("AcquisitionStop", "Ends the acquisition.", {[this] {
+                      pacer_.Stop();
+                      return RegisterStatus::ok;
+                    }});
+}
+
+void CameraCore::AddTransportFeatures() {
+  features_.Category("TransportLayerControl", "What the transport needs to know.");
+  features_
+      .Int("PayloadSize", "Bytes of the largest frame with the present settings.",
+           std::function<std::int64_t()>([this] { return static_cast<std::int64_t>(PayloadSize()); }))
+      .Unit("B")
+      .Expert()
+      .Volatile();
+  features_
+      .HostInt("TLParamsLocked",
+               "1 while a stream is prepared: settings that change the frames' size are locked.")
+      .Range(0, 1)
+      .Invisible();
+}
+
+}  // namespace zyn::cameras
