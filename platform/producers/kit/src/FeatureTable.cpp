@@ -1,4 +1,4 @@
-#include "FeatureTable.h"
+#include "producer/FeatureTable.h"
 
 #include <algorithm>
 #include <cctype>
@@ -8,7 +8,6 @@
 namespace zyn::producer {
 namespace {
 
-constexpr std::uint64_t kFirstRegister = 0x1000;
 constexpr std::size_t kIntegerBytes = 8;
 constexpr std::size_t kCellBytes = 8;  // registers begin at multiples of it
 
@@ -111,8 +110,8 @@ std::uint64_t ToBits(double value) {
 
 }  // namespace
 
-FeatureTable::FeatureTable(std::string portName, ModuleExtension* extension)
-    : portName_(std::move(portName)), extension_(extension), nextAddress_(kFirstRegister) {}
+FeatureTable::FeatureTable(std::string portName, ModuleExtension* extension, std::uint64_t firstRegister)
+    : portName_(std::move(portName)), extension_(extension), nextAddress_(firstRegister) {}
 
 void FeatureTable::Category(const std::string& name) {
   categories_.push_back({name, {}});
@@ -188,13 +187,17 @@ void FeatureTable::Float(const std::string& name, GetFloat get, SetFloat set, co
   List(name, options);
 }
 
-void FeatureTable::Boolean(const std::string& name, std::function<bool()> get,
+void FeatureTable::Boolean(const std::string& name, std::function<bool()> get, std::function<void(bool)> set,
                            const FeatureOptions& options) {
-  const std::uint64_t address = AddIntegerRegister([get = std::move(get)] { return get() ? 1 : 0; }, nullptr);
+  SetInteger setInteger;
+  if (set) setInteger = [set = std::move(set)](std::int64_t value) { set(value != 0); };
+  const bool writable = setInteger != nullptr;
+  const std::uint64_t address =
+      AddIntegerRegister([get = std::move(get)] { return get() ? 1 : 0; }, setInteger);
   BeginNode("Boolean", name, options);
   nodes_ +=
       Element("pValue", name + "Reg") + Element("OnValue", "1") + Element("OffValue", "0") + "</Boolean>\n";
-  IntegerRegisterNode(name + "Reg", address, false);
+  IntegerRegisterNode(name + "Reg", address, writable);
   List(name, options);
 }
 
@@ -296,30 +299,40 @@ std::string FeatureTable::Selected(const std::string& selector) const {
   return result;
 }
 
-void FeatureTable::Finish(const std::string& vendor, const std::string& model, const std::string& module) {
+std::string FeatureTable::Nodes() const {
   static const std::string kMark = "@SELECTED:";
-  for (std::size_t at = nodes_.find(kMark); at != std::string::npos; at = nodes_.find(kMark, at)) {
-    const std::size_t end = nodes_.find('@', at + kMark.size());
-    const std::string selector = nodes_.substr(at + kMark.size(), end - at - kMark.size());
-    nodes_.replace(at, end + 1 - at, Selected(selector));
+  std::string nodes = nodes_;
+  for (std::size_t at = nodes.find(kMark); at != std::string::npos; at = nodes.find(kMark, at)) {
+    const std::size_t end = nodes.find('@', at + kMark.size());
+    const std::string selector = nodes.substr(at + kMark.size(), end - at - kMark.size());
+    nodes.replace(at, end + 1 - at, Selected(selector));
   }
-
-  std::string root = "<Category Name=\"Root\" NameSpace=\"Standard\">";
   std::string categories;
   for (const auto& [category, features] : categories_) {
-    root += Element("pFeature", category);
     categories += "<Category Name=\"" + category + "\" NameSpace=\"Standard\">";
     for (const std::string& feature : features) categories += Element("pFeature", feature);
     categories += "</Category>\n";
   }
+  return categories + nodes;
+}
+
+std::vector<std::string> FeatureTable::CategoryNames() const {
+  std::vector<std::string> names;
+  for (const auto& entry : categories_) names.push_back(entry.first);
+  return names;
+}
+
+void FeatureTable::Finish(const std::string& vendor, const std::string& model, const std::string& module) {
+  std::string nodes = Nodes();
+  std::string root = "<Category Name=\"Root\" NameSpace=\"Standard\">";
+  for (const std::string& category : CategoryNames()) root += Element("pFeature", category);
   if (extension_ != nullptr) {
     for (const std::string& feature : extension_->RootFeatures()) root += Element("pFeature", feature);
-    nodes_ += extension_->Nodes();
+    nodes += extension_->Nodes();
   }
   root += "</Category>\n";
 
-  const std::string body =
-      root + categories + nodes_ + "<Port Name=\"" + portName_ + "\" NameSpace=\"Standard\"/>\n";
+  const std::string body = root + nodes + "<Port Name=\"" + portName_ + "\" NameSpace=\"Standard\"/>\n";
   const std::string name = Identifier(model) + "_" + module;
   xml_ = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<RegisterDescription ModelName=\"" + name +
          "\" VendorName=\"" + Identifier(vendor) +

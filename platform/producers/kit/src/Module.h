@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "Event.h"
-#include "FeatureTable.h"
 #include "Handles.h"
+#include "producer/FeatureTable.h"
 
 namespace zyn::producer {
 

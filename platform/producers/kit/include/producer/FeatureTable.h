@@ -1,5 +1,5 @@
-/// The features of one module of the producer: one table from which both the register space and the
-/// description (XML) come, so that the two cannot disagree.
+/// Features backed by functions: one table from which both the register space and the description (XML) come,
+/// so that the two cannot disagree. The kit describes its modules with it, backends their extensions.
 #ifndef ZYN_PRODUCER_FEATURE_TABLE_H
 #define ZYN_PRODUCER_FEATURE_TABLE_H
 
@@ -41,9 +41,12 @@ class FeatureTable {
   static constexpr std::size_t kTextBytes = 512;
   static constexpr std::size_t kPathBytes = 4096;
   static constexpr std::uint64_t kXmlAddress = 0x10000000;
+  static constexpr std::uint64_t kFirstRegister = 0x1000;
 
-  /// portName: name of the Port node. extension: may be null; must outlive the table.
-  FeatureTable(std::string portName, ModuleExtension* extension);
+  /// portName: name of the Port node. extension: may be null; must outlive the table. The registers lie at
+  /// firstRegister and above.
+  FeatureTable(std::string portName, ModuleExtension* extension,
+               std::uint64_t firstRegister = kFirstRegister);
 
   /// Later features belong to this category, which appears beneath Root.
   void Category(const std::string& name);
@@ -57,7 +60,8 @@ class FeatureTable {
                const FeatureOptions& options = {});
   void Float(const std::string& name, GetFloat get, SetFloat set = nullptr,
              const FeatureOptions& options = {});
-  void Boolean(const std::string& name, std::function<bool()> get, const FeatureOptions& options = {});
+  void Boolean(const std::string& name, std::function<bool()> get, std::function<void(bool)> set = nullptr,
+               const FeatureOptions& options = {});
   void Enumeration(const std::string& name, const Entries& entries, const GetInteger& get,
                    SetInteger set = nullptr, const FeatureOptions& options = {});
   void Command(const std::string& name, std::function<void()> execute, const FeatureOptions& options = {});
@@ -68,6 +72,10 @@ class FeatureTable {
 
   /// Ends the building. vendor, model: of the producer; module: "TLSystem" and so on.
   void Finish(const std::string& vendor, const std::string& model, const std::string& module);
+
+  /// The elements of all nodes so far, categories included, and the names of the categories.
+  std::string Nodes() const;
+  std::vector<std::string> CategoryNames() const;
 
   const std::string& PortName() const { return portName_; }
   const std::string& Xml() const { return xml_; }
@@ -103,6 +111,27 @@ class FeatureTable {
   std::string nodes_;  // "@SELECTED:name@" stands for the features that `name` selects
   std::string xml_;
   std::string xmlFileName_;
+};
+
+/// An extension made of such a table: derive from it, and fill the table in the constructor.
+class TableExtension : public ModuleExtension {
+ public:
+  explicit TableExtension(const std::string& portName) : table_(portName, nullptr, kBase) {}
+
+  std::string Nodes() const override { return table_.Nodes(); }
+  std::vector<std::string> RootFeatures() const override { return table_.CategoryNames(); }
+  void Read(std::uint64_t address, void* data, std::size_t size) override {
+    table_.Read(address, data, size);
+  }
+  void Write(std::uint64_t address, const void* data, std::size_t size) override {
+    table_.Write(address, data, size);
+  }
+
+ protected:
+  FeatureTable& Table() { return table_; }
+
+ private:
+  FeatureTable table_;
 };
 
 }  // namespace zyn::producer
