@@ -15,7 +15,7 @@ GC_ERROR GC_CALLTYPE GCInitLib() {
     Library::Initialise();
     return GC_ERR_SUCCESS;
   } catch (...) {
-    return RememberCurrentException(__func__);
+    return RememberCurrentException(__func__, true);
   }
 }
 
@@ -30,10 +30,11 @@ GC_ERROR GC_CALLTYPE GCGetInfo(TL_INFO_CMD iInfoCmd, INFO_DATATYPE* piType, void
   });
 }
 
-// Its own failures are not remembered: they would replace what the caller asks for.
+// Its own failures are not remembered: they would replace what the caller asks for. A library that could not be
+// initialised answers too, or nobody would ever learn why.
 GC_ERROR GC_CALLTYPE GCGetLastError(GC_ERROR* piErrorCode, char* sErrText, size_t* piSize) {
   try {
-    RequireInitialized();
+    if (!LastErrorIsOfInitialising()) RequireInitialized();
     RequirePointer(piErrorCode, "piErrorCode");
     AnswerText(LastErrorText(), sErrText, piSize);
     *piErrorCode = LastErrorCode();

@@ -15,9 +15,10 @@ constexpr std::size_t kTextBytes = 512;
 // thread ends after the library was unloaded.
 struct LastError {
   GenTL::GC_ERROR code;
+  bool initialising;
   char text[kTextBytes];
 };
-thread_local LastError lastError = {GenTL::GC_ERR_SUCCESS, {}};
+thread_local LastError lastError = {GenTL::GC_ERR_SUCCESS, false, {}};
 
 void Append(std::size_t& at, const char* text) {
   const std::size_t length = std::min(std::strlen(text), kTextBytes - 1 - at);
@@ -37,7 +38,8 @@ GenTL::GC_ERROR Remember(const char* function, GenTL::GC_ERROR code, const char*
 
 }  // namespace
 
-GenTL::GC_ERROR RememberCurrentException(const char* function) noexcept {
+GenTL::GC_ERROR RememberCurrentException(const char* function, bool initialising) noexcept {
+  lastError.initialising = initialising;
   try {
     throw;
   } catch (const Error& error) {
@@ -51,6 +53,10 @@ GenTL::GC_ERROR RememberCurrentException(const char* function) noexcept {
   } catch (...) {
     return Remember(function, GenTL::GC_ERR_ERROR, "An unknown exception was thrown.");
   }
+}
+
+bool LastErrorIsOfInitialising() {
+  return lastError.initialising;
 }
 
 GenTL::GC_ERROR LastErrorCode() {

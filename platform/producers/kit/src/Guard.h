@@ -11,11 +11,15 @@
 namespace zyn::producer {
 
 /// Turns the exception in flight into a result, and remembers it. `function`: name of the C function.
-GenTL::GC_ERROR RememberCurrentException(const char* function) noexcept;
+/// initialising: that function is GCInitLib.
+GenTL::GC_ERROR RememberCurrentException(const char* function, bool initialising = false) noexcept;
 
 /// The latest failure on this thread. Code GC_ERR_SUCCESS and "No Error" when there was none.
 GenTL::GC_ERROR LastErrorCode();
 std::string LastErrorText();
+
+/// Whether the latest failure on this thread is that of a GCInitLib.
+bool LastErrorIsOfInitialising();
 
 /// Throws Error with GC_ERR_NOT_INITIALIZED between GCCloseLib and GCInitLib.
 void RequireInitialized();

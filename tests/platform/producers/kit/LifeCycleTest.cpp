@@ -21,6 +21,24 @@ TEST(KitLifeCycle, EveryFunctionAsksForInitialisationFirst) {
   EXPECT_EQ(TLOpen(&s.handle), GC_ERR_NOT_INITIALIZED);
 }
 
+TEST(KitLifeCycle, TellsWhyItCouldNotBeInitialised) {
+  TheScript().Reset();
+  TheScript().refusesToStart = true;
+  ASSERT_EQ(GCInitLib(), GC_ERR_INVALID_VALUE);
+  TheScript().refusesToStart = false;
+  GC_ERROR code = GC_ERR_SUCCESS;
+  char text[600];
+  std::size_t size = sizeof text;
+  ASSERT_EQ(GCGetLastError(&code, text, &size), GC_ERR_SUCCESS);
+  EXPECT_EQ(code, GC_ERR_INVALID_VALUE);
+  EXPECT_STREQ(text, "GCInitLib: The script refuses.");
+  TL_HANDLE system = nullptr;
+  EXPECT_EQ(TLOpen(&system), GC_ERR_NOT_INITIALIZED);
+  EXPECT_EQ(GCGetLastError(&code, text, &size), GC_ERR_NOT_INITIALIZED);  // nothing to add to that
+  ASSERT_EQ(GCInitLib(), GC_ERR_SUCCESS);
+  EXPECT_EQ(GCCloseLib(), GC_ERR_SUCCESS);
+}
+
 TEST(KitLifeCycle, InitialisesOnceAndAgainAfterClosing) {
   TheScript().Reset();
   for (int i = 0; i < 100; ++i) {

@@ -274,5 +274,6 @@ class ScriptedBackend final : public Backend {
 }  // namespace scripted
 
 std::unique_ptr<zyn::producer::Backend> zyn::producer::CreateBackend() {
+  if (scripted::TheScript().refusesToStart) throw Error(GenTL::GC_ERR_INVALID_VALUE, "The script refuses.");
   return std::make_unique<scripted::ScriptedBackend>();
 }

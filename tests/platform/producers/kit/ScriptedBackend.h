@@ -26,6 +26,7 @@ struct Script {
   DeviceTraits deviceTraits;
   StreamTraits streamTraits;
   std::size_t payloadSize = 64;
+  bool refusesToStart = false;  // making the backend fails
   GenTL::GC_ERROR openError = GenTL::GC_ERR_SUCCESS;
   GenTL::GC_ERROR startError = GenTL::GC_ERR_SUCCESS;
   std::function<void()> onFindDevices;        // runs inside the search
