@@ -1,5 +1,6 @@
 # Settings that every target of this project shares, and the shape of the build tree:
-# bin/ for programs, lib/ for libraries, lib/zyncamera/gentl for GenTL producers. The installed tree is the same.
+# bin/ for programs, lib/ for libraries, lib/zyncamera/gentl for GenTL producers,
+# lib/zyncamera/gentl-sim for the one of the simulated cameras. The installed tree is the same.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -15,6 +16,8 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(ZYN_GENTL_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/zyncamera/gentl")
 set(ZYN_GENTL_INSTALL_DIR "${CMAKE_INSTALL_LIBDIR}/zyncamera/gentl")
+set(ZYN_GENTL_SIM_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib/zyncamera/gentl-sim")
+set(ZYN_GENTL_SIM_INSTALL_DIR "${CMAKE_INSTALL_LIBDIR}/zyncamera/gentl-sim")
 
 if(APPLE)
   set(ZYN_ORIGIN "@loader_path")
