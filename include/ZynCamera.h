@@ -12,6 +12,7 @@
 #include "ZynCamera/Export.h"
 #include "ZynCamera/Functions.h"
 #include "ZynCamera/HandleArrays.h"
+#include "ZynCamera/IImageHandler.h"
 #include "ZynCamera/Status.h"
 #include "ZynCamera/Types.h"
 #include "ZynCamera/Zyn3DIntArray.h"

@@ -11,6 +11,7 @@ struct INodeMap;
 
 namespace ZYNSDK {
 
+class IImageHandler;
 class LogicCamera;
 class ZynCamera;
 class Zyn3DCamera;
@@ -54,11 +55,15 @@ class ZYNSDK_API ZynCamera {
   bool IsOpen();      ///< of a GigE camera: also false when the device was lost
   bool IsGrabbing();  ///< the stream runs
 
-  /// Starts the stream. `count`: how many frames to deliver, 0 or -1 without limit. 101012 it runs already;
-  /// 101015 the camera is not open or the stream did not come up; 101040 an exception; else a transport
-  /// result.
+  /// Starts the stream, and with a registered handler the delivery of images to it. `count`: how many frames
+  /// to deliver, 0 or -1 without limit. 101012 it runs already; 101015 the camera is not open or the stream did
+  /// not come up; 101040 an exception; else a transport result. Raises std::system_error when the stream runs
+  /// but the system gives no thread to deliver on: stop, and start again.
   long StartGrab(ZynGrabStrategy strategy, int count);
-  long StopGrab();  ///< 101011 when the camera is not open; 101040 an exception
+  /// Ends the delivery of images, then the stream. 101011 when the camera is not open; 101040 an exception.
+  /// When a handler receives images, blocks until its present call and the present wait for a frame have ended,
+  /// which is up to the grab time-out; no image comes afterwards.
+  long StopGrab();
   /// The longest wait for one frame. 5000 at first. 101010 when the camera is not open, 101050 below 1.
   long SetGrabTimeout(int milliseconds);
   /// Waits for one frame and makes `image` refer to a copy of it. `chunk` may be null; otherwise it takes a
@@ -67,6 +72,10 @@ class ZYNSDK_API ZynCamera {
   /// `image` null; 101081 no frame; 101084 frame incomplete or damaged; 101040 an exception; else a transport
   /// result.
   long GrabImage(ZynImage* image, ZynChunkData* chunk);
+  /// Remembers who receives the images of this camera (null: nobody) from the next StartGrab on; the
+  /// application keeps the handler. A delivery that runs ends first, as in StopGrab, and the stream runs on
+  /// without one. Frames go to whoever asks first: do not call GrabImage while a handler receives. Returns 0.
+  long RegisterImageHandler(IImageHandler* handler);
 
   // Features by name, and all visible features, of each node map: transport layer, interface, local device,
   // remote device (the camera's own), data stream. "ExposureTime", "TriggerDelay", "Gain" and

@@ -55,6 +55,10 @@ long ZynCamera::GrabImage(ZynImage* image, ZynChunkData* chunk) {
   return camera_ ? camera_->Grab(image, chunk) : ZYN_ERROR_NO_OBJECT;
 }
 
+long ZynCamera::RegisterImageHandler(IImageHandler* handler) {
+  return camera_ ? camera_->RegisterImageHandler(handler) : ZYN_ERROR_NO_OBJECT;
+}
+
 long ZynCamera::GetTLNode(const char* name, ZynNode* node) {
   return camera_ ? camera_->GetTLNode(name, node) : ZYN_ERROR_NO_OBJECT;
 }

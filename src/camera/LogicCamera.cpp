@@ -1,5 +1,6 @@
 #include "LogicCamera.h"
 
+#include "CImageThread.h"
 #include "CameraAttribute.h"
 #include "Guarded.h"
 #include "KELGeniCam.h"
@@ -13,7 +14,8 @@ namespace ZYNSDK {
 LogicCamera::LogicCamera(KELGENICAM::ICameraInfo* info)
     : device_(std::make_unique<PhysicCamera>()),
       attribute_(RecordFor(info)),
-      nodes_(std::make_unique<NodeManager>()) {}
+      nodes_(std::make_unique<NodeManager>()),
+      imageThread_(std::make_unique<CImageThread>(*this)) {}
 
 LogicCamera::~LogicCamera() = default;
 

@@ -23,6 +23,8 @@ struct INodeMap;
 namespace ZYNSDK {
 
 class CameraAttribute;
+class CImageThread;
+class IImageHandler;
 class NodeManager;
 class PhysicCamera;
 class ZynCameraAttribute;
@@ -46,7 +48,8 @@ class LogicCamera {
   explicit LogicCamera(KELGENICAM::ICameraInfo* info);
   LogicCamera(const LogicCamera&) = delete;
   LogicCamera& operator=(const LogicCamera&) = delete;
-  /// Does not close the device: the application does before the library is unloaded.
+  /// Ends the delivery of images, and waits for that. Does not close the device: the application does before the
+  /// library is unloaded.
   virtual ~LogicCamera();
 
   /// Opens the device. A configuration file, unless null or empty, answers 101044: the device is open, but
@@ -121,6 +124,10 @@ class LogicCamera {
   long StopGrab();
   long SetGrabTimeout(int milliseconds);
   long Grab(ZynImage* image, ZynChunkData* chunk);
+  /// StartGrab begins the delivery of images when a handler is registered and the stream was started; what is
+  /// raised when there is no thread to be had passes to the caller, and the stream runs. StopGrab ends the
+  /// delivery first, whatever stopping the stream then answers.
+  long RegisterImageHandler(IImageHandler* handler);
 
   /// One wait for a frame: sets the result, true for 0.
   using GrabAttempt = std::function<bool(long& result)>;
@@ -143,6 +150,7 @@ class LogicCamera {
   std::atomic<bool> isUnseen_{false};
   std::atomic<bool> isOnline_{true};
   std::atomic<int> grabTimeoutMs_{5000};
+  const std::unique_ptr<CImageThread> imageThread_;  // last: it ends before anything that its grabs use
 };
 
 }  // namespace ZYNSDK

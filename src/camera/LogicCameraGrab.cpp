@@ -1,6 +1,7 @@
 #include <list>
 #include <memory>
 
+#include "CImageThread.h"
 #include "FrameGuard.h"
 #include "Guarded.h"
 #include "Img.h"
@@ -27,11 +28,24 @@ void CopyFirstChunk(KELGENICAM::IImage& frame, ZynChunkData& out) {
 }  // namespace
 
 long LogicCamera::StartGrab(ZynGrabStrategy strategy, int count) {
-  return Guarded([&] { return device_->StartGrab(static_cast<KELGENICAM::GRAB_STRATEGY>(strategy), count); });
+  const long result =
+      Guarded([&] { return device_->StartGrab(static_cast<KELGENICAM::GRAB_STRATEGY>(strategy), count); });
+  // Design decision: outside the guard, so a thread that the system refuses is an exception to the application.
+  // Pinned by AThreadThatTheSystemRefusesIsAnExceptionAndTheStreamRuns.
+  if (result == ZYN_OK) imageThread_->Start();
+  return result;
 }
 
 long LogicCamera::StopGrab() {
+  imageThread_->Stop();
   return Guarded([&] { return device_->StopGrab(); });
+}
+
+// Design decision: registering ends a delivery that runs and does not begin a new one. Pinned by
+// RegisteringWhileStreamingDeliversOnlyAfterTheNextStart.
+long LogicCamera::RegisterImageHandler(IImageHandler* handler) {
+  imageThread_->Register(handler);
+  return ZYN_OK;
 }
 
 long LogicCamera::SetGrabTimeout(int milliseconds) {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <latch>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -22,6 +23,7 @@ static_assert(!std::is_convertible_v<ZynCamera, Zyn3DCamera>);
 static_assert(!std::is_convertible_v<Zyn3DCamera, ZynCamera>);
 static_assert(std::has_virtual_destructor_v<ZynCamera> && std::has_virtual_destructor_v<Zyn3DCamera> &&
               std::has_virtual_destructor_v<ZynCameraAttribute>);
+static_assert(std::is_abstract_v<IImageHandler> && std::has_virtual_destructor_v<IImageHandler>);
 static_assert(!std::is_polymorphic_v<ZynNode> && !std::is_polymorphic_v<ZynImage>);
 
 namespace {
@@ -60,7 +62,8 @@ TEST(EmptyZynCamera, AnswersTheNullResults) {
                                      camera.GetRemoteNode(nullptr, nullptr),
                                      camera.GetRemoteNodes(nullptr),
                                      camera.GetDSNode("X", &node),
-                                     camera.GetDSNodes(&nodes)};
+                                     camera.GetDSNodes(&nodes),
+                                     camera.RegisterImageHandler(nullptr)};
   for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
 }
 
@@ -304,6 +307,38 @@ TEST(ZynCameraHandle, EachFeatureFamilyReachesItsOwnMap) {
     family.holder.map = nullptr;
   }
   camera.Close();
+}
+
+TEST(ZynCameraHandle, TheHandlerReceivesACopyOfTheHandleAndTheImage) {
+  struct Handler : IImageHandler {
+    void OnImage(ZynCamera from, ZynImage& image) override {
+      camera = InternalOf(from);
+      width = image.Width();
+      isCalled.count_down();
+    }
+    void* camera = nullptr;
+    int width = 0;
+    std::latch isCalled{1};
+  };
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-delivery", "Area-1");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-delivery", &camera), 0);
+  ASSERT_EQ(camera.Open(nullptr), 0);
+  Handler handler;
+  fakes::FakeImage frame(4, 3, 1, 10);
+  device.Deliver(0, &frame);
+  EXPECT_EQ(camera.RegisterImageHandler(&handler), 0);
+  EXPECT_EQ(camera.StartGrab(ZYN_GRAB_ONE_BY_ONE, 0), 0);
+  handler.isCalled.wait();
+  EXPECT_EQ(camera.StopGrab(), 0);
+  EXPECT_EQ(handler.camera, InternalOf(camera));
+  EXPECT_EQ(handler.width, 4);
+  EXPECT_EQ(camera.RegisterImageHandler(nullptr), 0);
+  EXPECT_EQ(camera.Close(), 0);
 }
 
 TEST(ZynCameraHandle, OpenHandsItsFileOn) {
