@@ -44,9 +44,10 @@ class ZYNSDK_API ZynCamera {
   ZynCameraAttribute* Attribute();
 
   /// Opens the camera for reading and writing. `param`: null or "", or the path of a configuration file for a
-  /// Camera Link card; 101044 when that cannot be applied, and the camera is open nevertheless. 101007 the
-  /// transport does not know the camera; 101008 the camera refused; 101013 it is open already; 101040 an
-  /// exception. Blocks while the camera answers and its description is loaded.
+  /// Camera Link card, which is then applied (docs/camera-link.md). 101007 the transport does not know the
+  /// camera; 101008 the camera refused; 101013 it is open already; 101040 an exception. Two codes come from the
+  /// file and leave the camera open: 101044 no such file; 101040 a text that is no number, where reading ended.
+  /// Blocks while the camera answers and its description is loaded.
   long Open(const char* param);
   /// Closes the camera; a stream that runs ends. 101010 when it was not open; 101040 an exception, and
   /// the camera is closed nevertheless. Another thread inside a call on the camera finishes that call first;
@@ -76,6 +77,10 @@ class ZYNSDK_API ZynCamera {
   /// application keeps the handler. A delivery that runs ends first, as in StopGrab, and the stream runs on
   /// without one. Frames go to whoever asks first: do not call GrabImage while a handler receives. Returns 0.
   long RegisterImageHandler(IImageHandler* handler);
+
+  /// Sets one parameter of a Camera Link camera from its text. Returns 0, whatever the camera said to it; 101001
+  /// when the camera is not open; 101040 an exception.
+  long SetCLCameraParam(const char* name, const char* value);
 
   // Features by name, and all visible features, of each node map: transport layer, interface, local device,
   // remote device (the camera's own), data stream. "ExposureTime", "TriggerDelay", "Gain" and

@@ -59,6 +59,10 @@ long ZynCamera::RegisterImageHandler(IImageHandler* handler) {
   return camera_ ? camera_->RegisterImageHandler(handler) : ZYN_ERROR_NO_OBJECT;
 }
 
+long ZynCamera::SetCLCameraParam(const char* name, const char* value) {
+  return camera_ ? camera_->SetCLCameraParam(name, value) : ZYN_ERROR_NO_OBJECT;
+}
+
 long ZynCamera::GetTLNode(const char* name, ZynNode* node) {
   return camera_ ? camera_->GetTLNode(name, node) : ZYN_ERROR_NO_OBJECT;
 }

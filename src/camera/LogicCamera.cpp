@@ -22,8 +22,7 @@ LogicCamera::~LogicCamera() = default;
 long LogicCamera::Open(const char* configFile) {
   if (const long error = Open3D()) return error;
   if (!configFile || *configFile == '\0') return ZYN_OK;
-  // No configuration file can be read. Saying 0 would tell the application that its settings are in force.
-  return ZYN_ERROR_CONFIG_FILE;
+  return Guarded([&] { return SetClCardConfigFile(configFile); });
 }
 
 long LogicCamera::Open3D() {

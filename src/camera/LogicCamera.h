@@ -52,8 +52,8 @@ class LogicCamera {
   /// library is unloaded.
   virtual ~LogicCamera();
 
-  /// Opens the device. A configuration file, unless null or empty, answers 101044: the device is open, but
-  /// the file's settings are not in force.
+  /// Opens the device, then applies the configuration file, unless that is null or empty. Answers what the file
+  /// answers, with the device open in any case.
   long Open(const char* configFile);
   long Close();
   long Open3D();
@@ -136,6 +136,27 @@ class LogicCamera {
   /// What a wait for a frame answers to the application: of the transport's results, those that an
   /// application can act on pass, the others become 101023.
   static long ErrorCodeTrans(long code);
+
+  // The settings of a Camera Link card.
+
+  /// Applies a configuration file to the local device's features. 101044 when there is no such file, else 0: a
+  /// record that fails does not change the result. A text that is no number raises std::invalid_argument or
+  /// std::out_of_range and ends the reading. The format: docs/camera-link.md.
+  long SetClCardConfigFile(const char* path);
+  /// Writes one feature of the local device from its text. Returns the look-up's result when that fails, else
+  /// that of SetNodeValue.
+  long SetDevNodeValue(const std::string& name, const std::string& value);
+  /// Writes a feature from its text, as its type reads it. Returns the setter's result; 101096 for commands and
+  /// for types that cannot be written; 0 for any type that is not known. May throw as SetClCardConfigFile.
+  static long SetNodeValue(ZynNode& node, const std::string& value);
+  /// The pieces of a text between separators, in order. Every character of `separators` separates; none is a usage
+  /// error and raises std::out_of_range. `skipEmpty`: leaves out empty pieces.
+  static std::vector<std::string> splitString(std::string text, const std::string& separators,
+                                              bool skipEmpty);
+  /// Removes every space (0x20), also between other characters. Returns the text that was given.
+  static std::string& StringTrim(std::string& text);
+  /// 101001 closed; 101040 an exception; else 0, whatever the device said to the parameter.
+  long SetCLCameraParam(const char* name, const char* value);
 
  private:
   long FindNode(const std::string& name, ZynNode& node, ZynXmlSource source);

@@ -63,6 +63,8 @@ TEST(EmptyZynCamera, AnswersTheNullResults) {
                                      camera.GetRemoteNodes(nullptr),
                                      camera.GetDSNode("X", &node),
                                      camera.GetDSNodes(&nodes),
+                                     camera.SetCLCameraParam("X", "1"),
+                                     camera.SetCLCameraParam(nullptr, nullptr),
                                      camera.RegisterImageHandler(nullptr)};
   for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
 }
@@ -338,6 +340,21 @@ TEST(ZynCameraHandle, TheHandlerReceivesACopyOfTheHandleAndTheImage) {
   EXPECT_EQ(handler.camera, InternalOf(camera));
   EXPECT_EQ(handler.width, 4);
   EXPECT_EQ(camera.RegisterImageHandler(nullptr), 0);
+  EXPECT_EQ(camera.Close(), 0);
+}
+
+TEST(ZynCameraHandle, CameraLinkParametersReachTheDevice) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-param", "Area-1");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCamera camera;
+  ASSERT_EQ(DiscoveryCamera("H-param", &camera), 0);
+  ASSERT_EQ(camera.Open(nullptr), 0);
+  EXPECT_EQ(camera.SetCLCameraParam("Baud", "9600"), 0);
+  EXPECT_EQ(device.paramName, "Baud");
+  EXPECT_EQ(device.paramValue, "9600");
   EXPECT_EQ(camera.Close(), 0);
 }
 

@@ -59,17 +59,6 @@ TEST_F(LogicCameraTest, OpensWithoutAConfigurationFile) {
   EXPECT_EQ(camera.Close3D(), ZYN_OK);
 }
 
-TEST_F(LogicCameraTest, AConfigurationFileThatIsNotAppliedIsReportedAndLeavesTheDeviceOpen) {
-  EXPECT_EQ(camera.Open("no-such-file"), ZYN_ERROR_CONFIG_FILE);
-  EXPECT_TRUE(camera.IsOpen());
-  camera.Close();
-}
-
-TEST_F(LogicCameraTest, AFailingOpenWinsOverTheConfigurationFile) {
-  device.openResult = -1;
-  EXPECT_EQ(camera.Open("no-such-file"), ZYN_ERROR_OPEN_FAILED);
-}
-
 TEST_F(LogicCameraTest, Open3DAndClose3DWorkOnTheSameDevice) {
   EXPECT_EQ(camera.Open3D(), ZYN_OK);
   EXPECT_EQ(camera.Open(nullptr), ZYN_ERROR_ALREADY_OPEN);
