@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <string>
 
 namespace zyntest {
 namespace {
@@ -17,6 +18,14 @@ std::size_t EntriesOf(const char* folder) {
   return count;
 }
 
+std::size_t PeakResidentKiB() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  while (status >> word)
+    if (word == "VmHWM:" && status >> word) return std::stoul(word);
+  return 0;
+}
+
 }  // namespace
 
 ProcessUsage CurrentUsage() {
@@ -28,7 +37,12 @@ ProcessUsage CurrentUsage() {
   std::size_t residentPages = 0;
   statm >> total >> residentPages;
   usage.residentKiB = residentPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
+  usage.peakResidentKiB = PeakResidentKiB();
   return usage;
+}
+
+void ForgetPeak() {
+  std::ofstream("/proc/self/clear_refs") << "5";
 }
 
 }  // namespace zyntest

@@ -10,10 +10,14 @@ struct ProcessUsage {
   std::size_t threads = 0;
   std::size_t fileDescriptors = 0;
   std::size_t residentKiB = 0;
+  std::size_t peakResidentKiB = 0;  ///< since the start, or since ForgetPeak
 };
 
 /// Read from /proc now.
 ProcessUsage CurrentUsage();
+
+/// The peak of the resident memory counts from now on.
+void ForgetPeak();
 
 }  // namespace zyntest
 

@@ -5,17 +5,25 @@
 
 namespace zyn::genapi {
 
-void Adjacency::Build(std::size_t nodes, std::vector<std::pair<NodeId, NodeId>>&& pairs) {
-  std::sort(pairs.begin(), pairs.end());
-  pairs.erase(std::unique(pairs.begin(), pairs.end()), pairs.end());
-  first_.assign(nodes + 1, 0);
-  targets_.clear();
-  targets_.reserve(pairs.size());
-  for (const auto& [from, to] : pairs) {
-    ++first_[from + 1];
-    targets_.push_back(to);
-  }
+void Adjacency::SumUp() {
   for (std::size_t i = 1; i < first_.size(); ++i) first_[i] += first_[i - 1];
+  targets_.assign(first_.back(), kNoNode);
+}
+
+void Adjacency::SortLists() {
+  std::size_t kept = 0;
+  for (std::size_t node = 0; node + 1 < first_.size(); ++node) {
+    const auto begin = targets_.begin() + first_[node];
+    const auto end = targets_.begin() + first_[node + 1];
+    if (!std::is_sorted(begin, end)) std::sort(begin, end);
+    const auto unique = std::unique(begin, end);
+    first_[node] = static_cast<std::uint32_t>(kept);
+    kept = static_cast<std::size_t>(
+        std::move(begin, unique, targets_.begin() + static_cast<std::ptrdiff_t>(kept)) - targets_.begin());
+  }
+  first_.back() = static_cast<std::uint32_t>(kept);
+  targets_.resize(kept);
+  targets_.shrink_to_fit();
 }
 
 std::span<const NodeId> Adjacency::Of(NodeId node) const {
@@ -29,8 +37,7 @@ const Property* Description::Find(NodeId node, Element element) const {
 }
 
 NodeId Description::FindNode(std::string_view name) const {
-  const auto found = index.find(name);
-  return found == index.end() ? kNoNode : found->second;
+  return names.FindNode(name, text);
 }
 
 void Description::Tolerate(std::string note) {

@@ -8,23 +8,13 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "GenApi/Types.h"
 #include "description/Element.h"
+#include "description/NameTable.h"
 
 namespace zyn::genapi {
-
-/// Index of a node in its description, in document order.
-using NodeId = std::uint32_t;
-constexpr NodeId kNoNode = 0xffffffff;
-
-/// A piece of the description's text.
-struct TextRef {
-  std::uint32_t offset = 0;
-  std::uint32_t size = 0;
-};
 
 /// One child element of a node.
 struct Property {
@@ -34,7 +24,7 @@ struct Property {
   /// The attribute that belongs to the element: Name of a formula's ingredient, Index or Offset. May be
   /// empty.
   TextRef attribute;
-  /// Number or word (reals as bits), or the node linked to.
+  /// Number or word (reals as bits), or the node linked to (until it is linked, the number of its name).
   std::int64_t number;
 
   NodeId Target() const { return static_cast<NodeId>(number); }
@@ -53,6 +43,7 @@ struct NodeRecord {
   std::uint32_t firstProperty;
   std::uint32_t propertyCount;
   TextRef name;
+  NameId nameId;
   /// The enumeration of an entry; else kNoNode.
   NodeId owner;
 };
@@ -67,11 +58,23 @@ struct DeviceFacts {
 /// Lists of nodes per node, in one array.
 class Adjacency {
  public:
-  /// Pairs (from, to); duplicates are dropped.
-  void Build(std::size_t nodes, std::vector<std::pair<NodeId, NodeId>>&& pairs);
+  /// visit(add) calls add(from, to) for every pair, and is called twice. Lists come out in rising order, and duplicates
+  /// are dropped.
+  template <class Visit>
+  void Build(std::size_t nodes, const Visit& visit) {
+    first_.assign(nodes + 1, 0);
+    visit([this](NodeId from, NodeId) { ++first_[from + 1]; });
+    SumUp();
+    std::vector<std::uint32_t> next(first_.begin(), first_.end() - 1);
+    visit([this, &next](NodeId from, NodeId to) { targets_[next[from]++] = to; });
+    SortLists();
+  }
   std::span<const NodeId> Of(NodeId node) const;
 
  private:
+  void SumUp();
+  void SortLists();
+
   std::vector<std::uint32_t> first_;
   std::vector<NodeId> targets_;
 };
@@ -93,7 +96,7 @@ class Description {
   std::string text;
   std::vector<NodeRecord> nodes;
   std::vector<Property> properties;
-  std::unordered_map<std::string_view, NodeId> index;
+  NameTable names;
   DeviceFacts facts;
 
   /// Nodes whose value, limits, address or access mode change when the node changes; selectors and

@@ -1,32 +1,28 @@
 #include "description/DescriptionBuilder.h"
 
-#include <pugixml.hpp>
-
 #include <algorithm>
-#include <limits>
+#include <bitset>
+#include <deque>
 #include <utility>
 #include <vector>
 
 #include "Base/GCException.h"
 #include "description/Injection.h"
-#include "description/LineIndex.h"
 #include "description/Linker.h"
 #include "description/NumberText.h"
+#include "description/SourceText.h"
+#include "description/XmlReader.h"
 
 namespace zyn::genapi {
 namespace {
 
-using pugi::xml_node;
 using namespace std::string_view_literals;
 
 constexpr int kMaxGroupDepth = 100;
-constexpr std::size_t kMaxText = std::numeric_limits<std::uint32_t>::max() / 2;
+// An entry of a structure takes over what the structure says: a short text can ask for very many properties.
+constexpr std::size_t kMaxProperties = 2'000'000;
 
-std::string_view LocalName(const xml_node& element) {
-  const std::string_view name = element.name();
-  const std::size_t colon = name.find(':');
-  return colon == std::string_view::npos ? name : name.substr(colon + 1);
-}
+constexpr std::size_t kElementCount = static_cast<std::size_t>(Element::intSwissKnife) + 1;
 
 bool IsRegisterKind(NodeKind kind) {
   return kind == NodeKind::intReg || kind == NodeKind::maskedIntReg || kind == NodeKind::floatReg ||
@@ -64,254 +60,290 @@ bool IsAboutAnyNode(Element element) {
          element == Element::docuUrl;
 }
 
-// Reads one document.
+// A node while it is read.
+struct Draft {
+  NodeKind kind = NodeKind::unknown;
+  GENAPI_NAMESPACE::ENameSpace nameSpace = GENAPI_NAMESPACE::Custom;
+  std::int8_t priority = 0;
+  std::uint32_t line = 0;
+  std::string name;
+  // Of an inner node: its own name, without that of the node around it.
+  std::string ownName;
+  // The number of a link is that of the name, that of an inner node its place among inner.
+  std::vector<Property> properties;
+  std::bitset<kElementCount> has;
+  // Only the first innerCount: the others wait, with the memory they have, for the next node.
+  std::vector<Draft> inner;
+  std::size_t innerCount = 0;
+
+  bool Has(Element element) const { return has[static_cast<std::size_t>(element)]; }
+  const Property* Find(Element element) const {
+    if (!Has(element)) return nullptr;
+    const auto found =
+        std::find_if(properties.begin(), properties.end(),
+                     [element](const Property& property) { return property.element == element; });
+    return found == properties.end() ? nullptr : &*found;
+  }
+  Draft& AddInner() {
+    if (innerCount == inner.size()) inner.emplace_back();
+    return inner[innerCount++];
+  }
+  std::string Label() const { return name + " (" + XmlName(kind) + ", line " + std::to_string(line) + ")"; }
+  void Clear() {
+    properties.clear();
+    has.reset();
+    innerCount = 0;
+    ownName.clear();
+  }
+};
+
+// Reads one document, each node as it comes by.
 class Builder {
  public:
-  Builder(std::string&& xml, Description& description)
-      : xml_(std::move(xml)), lines_(xml_), description_(&description) {}
+  Builder(std::string_view xml, Description& description) : reader_(xml), description_(&description) {}
 
   void ReadDevice() {
-    const xml_node root = Open();
-    ReadFacts(root);
-    ReadNodes(root);
+    Open();
+    ReadFacts();
+    ReadNodes(0);
   }
 
   void ReadInjected() {
     const auto first = static_cast<NodeId>(description_->nodes.size());
-    ReadNodes(Open());
+    priorities_.assign(first, 0);
+    Open();
+    ReadNodes(0);
     MergeInjected(*description_, first, priorities_);
   }
 
  private:
-  xml_node Open() {
-    Parse();
-    const xml_node root = document_.document_element();
-    if (LocalName(root) != "RegisterDescription")
-      throw RUNTIME_EXCEPTION("The root element is '%s' at line %u, not 'RegisterDescription'", root.name(),
-                              Line(root));
-    return root;
+  void Open() {
+    reader_.NextChild();
+    if (reader_.Name() != "RegisterDescription")
+      throw RUNTIME_EXCEPTION("The root element is '%s' at line %u, not 'RegisterDescription'",
+                              FullName().c_str(), reader_.Line());
   }
 
-  unsigned Line(const xml_node& element) const { return lines_.LineOf(element.offset_debug()); }
+  std::string FullName() const { return std::string(reader_.FullName()); }
+  std::string Attribute(const char* name) { return std::string(reader_.Attribute(name)); }
 
-  void Parse() {
-    if (xml_.size() > kMaxText)
-      throw RUNTIME_EXCEPTION("The description is too large: %zu bytes", xml_.size());
-    constexpr unsigned kOptions =
-        pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute | pugi::parse_eol;
-    const pugi::xml_parse_result result =
-        document_.load_buffer_inplace(xml_.data(), xml_.size(), kOptions, pugi::encoding_utf8);
-    if (!result)
-      throw RUNTIME_EXCEPTION("Error while parsing XML at line %u in element '%s': %s",
-                              lines_.LineOf(result.offset), LastElementRead(), result.description());
-  }
-
-  // After a failure the document holds what was read until then.
-  const char* LastElementRead() const {
-    xml_node last = document_;
-    for (xml_node child = last.last_child(); child; child = last.last_child()) {
-      if (child.type() != pugi::node_element) break;
-      last = child;
-    }
-    return last.name();
-  }
-
-  int ReadVersionPart(const xml_node& root, const char* attribute, int absent) const {
-    const std::string_view text = Trim(root.attribute(attribute).value());
-    if (text.empty()) return absent;
+  int ReadVersionPart(const char* attribute, int absent) {
+    const std::string text = Attribute(attribute);
+    if (Trim(text).empty()) return absent;
     const auto value = ParseInteger(text);
     if (!value || *value < 0 || *value > 0xffff)
       throw PROPERTY_EXCEPTION("Attribute %s of RegisterDescription at line %u is no version number: '%s'",
-                               attribute, Line(root), root.attribute(attribute).value());
+                               attribute, reader_.Line(), text.substr(0, 100).c_str());
     return static_cast<int>(*value);
   }
 
-  Version_t ReadVersion(const xml_node& root, const char* major, const char* minor, const char* subMinor,
-                        int absentMajor) {
-    return {static_cast<std::uint16_t>(ReadVersionPart(root, major, absentMajor)),
-            static_cast<std::uint16_t>(ReadVersionPart(root, minor, 0)),
-            static_cast<std::uint16_t>(ReadVersionPart(root, subMinor, 0))};
+  Version_t ReadVersion(const char* major, const char* minor, const char* subMinor, int absentMajor) {
+    return {static_cast<std::uint16_t>(ReadVersionPart(major, absentMajor)),
+            static_cast<std::uint16_t>(ReadVersionPart(minor, 0)),
+            static_cast<std::uint16_t>(ReadVersionPart(subMinor, 0))};
   }
 
-  void ReadFacts(const xml_node& root) {
+  void ReadFacts() {
     DeviceFacts& facts = description_->facts;
-    facts.modelName = root.attribute("ModelName").value();
-    facts.vendorName = root.attribute("VendorName").value();
-    facts.toolTip = root.attribute("ToolTip").value();
-    facts.standardNameSpace = root.attribute("StandardNameSpace").as_string("None");
-    facts.productGuid = root.attribute("ProductGuid").value();
-    facts.versionGuid = root.attribute("VersionGuid").value();
-    facts.schemaVersion =
-        ReadVersion(root, "SchemaMajorVersion", "SchemaMinorVersion", "SchemaSubMinorVersion", 1);
-    facts.deviceVersion = ReadVersion(root, "MajorVersion", "MinorVersion", "SubMinorVersion", 0);
+    facts.modelName = Attribute("ModelName");
+    facts.vendorName = Attribute("VendorName");
+    facts.toolTip = Attribute("ToolTip");
+    facts.standardNameSpace = Attribute("StandardNameSpace");
+    if (facts.standardNameSpace.empty()) facts.standardNameSpace = "None";
+    facts.productGuid = Attribute("ProductGuid");
+    facts.versionGuid = Attribute("VersionGuid");
+    facts.schemaVersion = ReadVersion("SchemaMajorVersion", "SchemaMinorVersion", "SchemaSubMinorVersion", 1);
+    facts.deviceVersion = ReadVersion("MajorVersion", "MinorVersion", "SubMinorVersion", 0);
     if (facts.schemaVersion.Major != 1)
       throw RUNTIME_EXCEPTION(
-          "RegisterDescription at line %u has schema version %u.%u; supported are 1.0 and 1.1", Line(root),
-          facts.schemaVersion.Major, facts.schemaVersion.Minor);
+          "RegisterDescription at line %u has schema version %u.%u; supported are 1.0 and 1.1",
+          reader_.Line(), facts.schemaVersion.Major, facts.schemaVersion.Minor);
   }
 
-  // Groups nest; the walk keeps its own stack, so depth cannot exhaust the thread's.
-  void ReadNodes(const xml_node& root) {
-    std::vector<xml_node> open{root.first_child()};
-    while (!open.empty()) {
-      const xml_node element = open.back();
-      if (!element) {
-        open.pop_back();
-        continue;
-      }
-      open.back() = element.next_sibling();
-      if (element.type() != pugi::node_element) continue;
-      const std::string_view name = LocalName(element);
+  void ReadNodes(int groupDepth) {
+    while (reader_.NextChild()) {
+      const std::string_view name = reader_.Name();
       if (name == "Group") {
-        if (open.size() > kMaxGroupDepth)
-          throw RUNTIME_EXCEPTION("Element Group at line %u is nested too deeply", Line(element));
-        open.push_back(element.first_child());
+        if (groupDepth == kMaxGroupDepth) reader_.FailTooDeep();
+        ReadNodes(groupDepth + 1);
       } else if (name == "StructReg") {
-        ReadStruct(element);
-      } else if (name != "Extension") {
-        ReadTopNode(element, name);
+        ReadStruct();
+      } else if (name == "Extension") {
+        reader_.Skip();
+      } else {
+        ReadTopNode(name);
       }
     }
   }
 
-  void ReadTopNode(const xml_node& element, std::string_view kindName) {
+  void ReadTopNode(std::string_view kindName) {
     const auto kind = FindNodeKind(kindName);
     if (!kind) {
-      description_->Tolerate("Element '" + std::string(element.name()) + "' (name '" +
-                             element.attribute("Name").value() + "') at line " +
-                             std::to_string(Line(element)) + ": no such kind of node is known");
-      if (Trim(element.attribute("Name").value()).empty()) return;
+      const std::string name = Attribute("Name");
+      description_->Tolerate("Element '" + FullName() + "' (name '" + name + "') at line " +
+                             std::to_string(reader_.Line()) + ": no such kind of node is known");
+      if (Trim(name).empty()) return reader_.Skip();
     }
-    AddNode(element, kind.value_or(NodeKind::unknown), Intern(RequiredName(element)), xml_node());
+    Begin(draft_, kind.value_or(NodeKind::unknown));
+    draft_.name = RequiredName();
+    while (reader_.NextChild()) ReadProperty(draft_);
+    Add(draft_);
   }
 
-  std::string_view RequiredName(const xml_node& element) const {
-    const std::string_view name = Trim(element.attribute("Name").value());
-    if (name.empty())
-      throw RUNTIME_EXCEPTION("Element '%s' at line %u has no name", element.name(), Line(element));
-    return name;
+  void Begin(Draft& draft, NodeKind kind) {
+    draft.Clear();
+    draft.kind = kind;
+    draft.line = reader_.Line();
+    draft.nameSpace =
+        reader_.Attribute("NameSpace") == "Standard" ? GENAPI_NAMESPACE::Standard : GENAPI_NAMESPACE::Custom;
+    draft.priority = ReadPriority();
   }
 
-  // A structure is as many masked registers as it has entries; what an entry does not say, the structure says
-  // for it.
-  void ReadStruct(const xml_node& element) {
-    for (const xml_node& entry : element.children())
-      if (LocalName(entry) == "StructEntry")
-        AddNode(entry, NodeKind::maskedIntReg, Intern(RequiredName(entry)), element);
-  }
-
-  NodeId AddNode(const xml_node& element, NodeKind kind, TextRef name, const xml_node& inherited) {
-    Description& out = *description_;
-    const auto id = static_cast<NodeId>(out.nodes.size());
-    NodeRecord record{};
-    record.kind = kind;
-    record.nameSpace = element.attribute("NameSpace").value() == "Standard"sv ? GENAPI_NAMESPACE::Standard
-                                                                              : GENAPI_NAMESPACE::Custom;
-    record.line = Line(element);
-    record.firstProperty = static_cast<std::uint32_t>(out.properties.size());
-    record.name = name;
-    record.owner = kNoNode;
-    out.nodes.push_back(record);
-    priorities_.resize(out.nodes.size(), 0);
-    priorities_[id] = PriorityOf(element);
-    std::vector<std::pair<xml_node, NodeId>> inner;
-    ReadProperties(id, element, inner);
-    if (inherited) ReadInherited(id, inherited, inner);
-    out.nodes[id].propertyCount = static_cast<std::uint32_t>(out.properties.size()) - record.firstProperty;
-    CheckMandatory(id);
-    AddInnerNodes(id, inner);
-    return id;
-  }
-
-  static std::int8_t PriorityOf(const xml_node& element) {
-    const std::string_view text = Trim(element.attribute("MergePriority").value());
+  std::int8_t ReadPriority() {
+    const std::string_view text = Trim(reader_.Attribute("MergePriority"));
     if (text.empty() || text == "0") return 0;
     return text.front() == '-' ? -1 : 1;
   }
 
-  // Nodes inside a node follow it, so that every node's properties stay together.
-  void AddInnerNodes(NodeId outer, const std::vector<std::pair<xml_node, NodeId>>& inner) {
-    for (const auto& [element, property] : inner) {
-      const std::string outerName(description_->Name(outer));
-      const bool isEntry = description_->properties[property].element == Element::enumEntry;
-      const std::string name = isEntry ? "EnumEntry_" + outerName + "_" + std::string(RequiredName(element))
-                                       : "_" + outerName + "_" + InnerName(element, property);
-      const NodeId id =
-          AddNode(element, isEntry ? NodeKind::enumEntry : NodeKind::intSwissKnife, Append(name), xml_node());
-      Property& link = description_->properties[property];
-      link.number = id;
-      if (isEntry) {
-        description_->nodes[id].owner = outer;
-        link.attribute = Intern(RequiredName(element));
-      }
-    }
+  std::string_view RequiredName() {
+    const std::string_view name = Trim(reader_.Attribute("Name"));
+    if (name.empty())
+      throw RUNTIME_EXCEPTION("Element '%s' at line %u has no name", FullName().c_str(), reader_.Line());
+    return name;
   }
 
-  static std::string InnerName(const xml_node& element, NodeId property) {
-    const std::string_view name = Trim(element.attribute("Name").value());
-    return name.empty() ? std::to_string(property) : std::string(name);
-  }
-
-  void ReadProperties(NodeId id, const xml_node& element, std::vector<std::pair<xml_node, NodeId>>& inner) {
-    for (const xml_node& child : element.children()) {
-      if (child.type() != pugi::node_element) continue;
-      if (const auto known = FindElement(LocalName(child))) {
-        AddProperty(id, child, *known, inner);
+  // A structure is as many masked registers as it has entries; what an entry does not say, the structure says
+  // for it, before or after the entry.
+  void ReadStruct() {
+    Draft structure;
+    Begin(structure, NodeKind::maskedIntReg);
+    structure.name = "StructReg";
+    std::deque<Draft> entries;
+    while (reader_.NextChild()) {
+      if (reader_.Name() == "StructEntry") {
+        Begin(entries.emplace_back(), NodeKind::maskedIntReg);
+        entries.back().name = RequiredName();
+        while (reader_.NextChild()) ReadProperty(entries.back());
+      } else if (const auto known = FindElement(reader_.Name())) {
+        ReadKnown(structure, *known);
       } else {
-        NoteUnknown(id, child);
+        reader_.Skip();
       }
     }
-  }
-
-  void NoteUnknown(NodeId id, const xml_node& child) {
-    if (LocalName(child) == "Extension" || IsNeverImplemented(description_->nodes[id].kind)) return;
-    description_->Tolerate("Element '" + std::string(child.name()) + "' at line " +
-                           std::to_string(Line(child)) + " of node " + description_->Label(id) +
-                           " is unknown and was skipped");
-  }
-
-  void ReadInherited(NodeId id, const xml_node& structure, std::vector<std::pair<xml_node, NodeId>>& inner) {
-    const auto first = static_cast<std::ptrdiff_t>(description_->nodes[id].firstProperty);
-    const auto own = static_cast<std::ptrdiff_t>(description_->properties.size());
-    for (const xml_node& child : structure.children()) {
-      const auto known = child.type() == pugi::node_element ? FindElement(LocalName(child)) : std::nullopt;
-      if (!known) continue;
-      const auto begin = description_->properties.begin() + first;
-      const auto end = description_->properties.begin() + own;
-      const bool overridden =
-          std::any_of(begin, end, [&](const Property& property) { return property.element == *known; });
-      if (!overridden) AddProperty(id, child, *known, inner);
+    for (Draft& entry : entries) {
+      Inherit(structure, entry);
+      Add(entry);
+      entry = {};
     }
   }
 
-  void AddProperty(NodeId id, const xml_node& child, Element element,
-                   std::vector<std::pair<xml_node, NodeId>>& inner) {
-    Description& out = *description_;
-    const NodeKind kind = out.nodes[id].kind;
-    if (IsNeverImplemented(kind) && !IsAboutAnyNode(element)) return;
-    if (element == Element::pOffset) return;  // an attribute, see AddOffset
-    if (element == Element::intSwissKnife && !IsRegisterKind(kind)) return;
-    if (element == Element::enumEntry && kind != NodeKind::enumeration) return;
-    Property property{element, Line(child), {}, ReadAttribute(child, element), 0};
-    const Lexical lexical = LexicalOf(element, kind);
-    std::string joined;
-    const std::string_view text = lexical == Lexical::inner ? ""sv : TextOf(child, joined);
-    if (!ReadText(id, child, lexical, text, property)) return;
-    const bool replaces = !MayRepeat(element) && Replace(id, property);
-    if (!replaces) out.properties.push_back(property);
-    if (element == Element::pIndex) AddOffset(child, property.line);
-    if (lexical == Lexical::inner) inner.emplace_back(child, static_cast<NodeId>(out.properties.size() - 1));
+  void Inherit(const Draft& structure, Draft& entry) {
+    const std::bitset<kElementCount> own = entry.has;
+    for (const Property& property : structure.properties) {
+      // The node of an offset belongs to its index.
+      const Element element = property.element == Element::pOffset ? Element::pIndex : property.element;
+      if (own[static_cast<std::size_t>(element)]) continue;
+      CheckCount(entry);
+      entry.properties.push_back(property);
+      entry.has.set(static_cast<std::size_t>(property.element));
+      if (property.element != Element::intSwissKnife) continue;
+      entry.properties.back().number = static_cast<std::int64_t>(entry.innerCount);
+      entry.AddInner() = structure.inner[static_cast<std::size_t>(property.number)];
+    }
   }
 
-  // The node that an index's attribute pOffset names follows the index as a property of its own.
-  void AddOffset(const xml_node& child, std::uint32_t line) {
-    const std::string_view name = Trim(child.attribute("pOffset").value());
-    if (!name.empty()) description_->properties.push_back({Element::pOffset, line, Intern(name), {}, 0});
+  void CheckCount(const Draft& draft) const {
+    if (description_->properties.size() + draft.properties.size() >= kMaxProperties)
+      throw RUNTIME_EXCEPTION("The description holds too many elements, at node %s", draft.Label().c_str());
+  }
+
+  // Properties
+
+  void ReadProperty(Draft& draft) {
+    const auto known = FindElement(reader_.Name());
+    if (known) return ReadKnown(draft, *known);
+    NoteUnknown(draft);
+    reader_.Skip();
+  }
+
+  void NoteUnknown(const Draft& draft) {
+    if (reader_.Name() == "Extension" || IsNeverImplemented(draft.kind)) return;
+    description_->Tolerate("Element '" + FullName() + "' at line " + std::to_string(reader_.Line()) +
+                           " of node " + draft.Label() + " is unknown and was skipped");
+  }
+
+  static bool Belongs(NodeKind kind, Element element) {
+    if (IsNeverImplemented(kind)) return IsAboutAnyNode(element);
+    if (element == Element::pOffset) return false;  // an attribute, see AddOffset
+    if (element == Element::intSwissKnife) return IsRegisterKind(kind);
+    return element != Element::enumEntry || kind == NodeKind::enumeration;
+  }
+
+  void ReadKnown(Draft& draft, Element element) {
+    if (!Belongs(draft.kind, element)) return reader_.Skip();
+    CheckCount(draft);
+    const Lexical lexical = LexicalOf(element, draft.kind);
+    if (lexical == Lexical::inner) return ReadInner(draft, element);
+    Property property{element, reader_.Line(), {}, ReadAttribute(element), 0};
+    // Kept apart: reading the text moves on.
+    const std::string_view tag = reader_.FullName();
+    const TextRef offset =
+        element == Element::pIndex ? InternText(Trim(reader_.Attribute("pOffset"))) : TextRef{};
+    const auto offsetName = static_cast<std::int64_t>(lastName_);
+    const std::string_view text = reader_.ReadText();
+    if (!ReadValue(draft, tag, lexical, text, property)) return;
+    Put(draft, property);
+    // The node that an index's attribute pOffset names follows the index as a property of its own.
+    if (offset.size > 0) Put(draft, {Element::pOffset, property.line, offset, {}, offsetName}, true);
+  }
+
+  void Put(Draft& draft, const Property& property, bool mayRepeat = false) {
+    const bool isNew = !draft.Has(property.element);
+    if (isNew || mayRepeat || MayRepeat(property.element)) {
+      draft.properties.push_back(property);
+      return draft.has.set(static_cast<std::size_t>(property.element)), void();
+    }
+    *const_cast<Property*>(draft.Find(property.element)) = property;
+    description_->Tolerate("Element " + std::string(XmlName(property.element)) + " of node " + draft.Label() +
+                           " is repeated; the one at line " + std::to_string(property.line) + " holds");
+  }
+
+  void ReadInner(Draft& draft, Element element) {
+    const bool isEntry = element == Element::enumEntry;
+    Property property{element, reader_.Line(), {}, {}, static_cast<std::int64_t>(draft.innerCount)};
+    Draft& inner = draft.AddInner();
+    Begin(inner, isEntry ? NodeKind::enumEntry : NodeKind::intSwissKnife);
+    inner.ownName = isEntry ? RequiredName() : Trim(reader_.Attribute("Name"));
+    if (inner.ownName.empty()) inner.ownName = std::to_string(draft.innerCount);
+    if (isEntry) property.attribute = InternText(inner.ownName);
+    inner.name = inner.ownName;
+    Put(draft, property);
+    while (reader_.NextChild()) ReadProperty(inner);
+  }
+
+  // An address offset may be a number or, in another attribute, a node's name.
+  TextRef ReadAttribute(Element element) {
+    switch (element) {
+      case Element::constant:
+      case Element::expression:
+      case Element::pVariable:
+        return InternText(Trim(reader_.Attribute("Name")));
+      case Element::valueIndexed:
+      case Element::pValueIndexed:
+        return InternText(Trim(reader_.Attribute("Index")));
+      case Element::pIndex:
+        return InternText(Trim(reader_.Attribute("Offset")));
+      default:
+        return {};
+    }
   }
 
   // Returns false when an empty element leaves the default.
-  bool ReadText(NodeId id, const xml_node& child, Lexical lexical, std::string_view text,
-                Property& property) {
+  bool ReadValue(const Draft& draft, std::string_view tag, Lexical lexical, std::string_view text,
+                 Property& property) {
+    const auto malformed = [&](const char* expected) {
+      Malformed(draft, tag, property.line, text, expected);
+    };
     switch (lexical) {
       case Lexical::inner:
         return true;
@@ -319,186 +351,187 @@ class Builder {
         property.text = Append(text);
         return true;
       case Lexical::link:
-        if (Trim(text).empty()) Malformed(id, child, text, "the name of a node");
-        property.text = Intern(Trim(text));
+        if (Trim(text).empty()) malformed("the name of a node");
+        property.text = InternText(Trim(text));
+        property.number = lastName_;
         return true;
       case Lexical::word: {
         if (Trim(text).empty()) return false;
         const auto word = FindWord(property.element, Trim(text));
-        if (!word) Malformed(id, child, text, "a known word");
+        if (!word) malformed("a known word");
         property.number = *word;
         return true;
       }
       case Lexical::integer: {
         const auto value = ParseInteger(text);
-        if (!value) Malformed(id, child, text, "an integer");
+        if (!value) malformed("an integer");
         property.number = *value;
         return true;
       }
       case Lexical::real: {
         const auto value = ParseReal(text);
-        if (!value) Malformed(id, child, text, "a number");
+        if (!value) malformed("a number");
         property.number = std::bit_cast<std::int64_t>(*value);
         return true;
       }
-      case Lexical::truth:
-        property.number = ReadTruth(id, child, text);
+      case Lexical::truth: {
+        const std::string_view word = Trim(text);
+        property.number = word == "true" || word == "1";
+        if (property.number == 0 && word != "false" && word != "0") malformed("true or false");
         return true;
+      }
     }
     return true;
   }
 
-  std::int64_t ReadTruth(NodeId id, const xml_node& child, std::string_view text) const {
-    const std::string_view word = Trim(text);
-    if (word == "true" || word == "1") return 1;
-    if (word != "false" && word != "0") Malformed(id, child, text, "true or false");
-    return 0;
+  [[noreturn]] static void Malformed(const Draft& draft, std::string_view tag, std::uint32_t line,
+                                     std::string_view text, const char* expected) {
+    throw PROPERTY_EXCEPTION("Element %s of node '%s' at line %u is not %s: '%s'", std::string(tag).c_str(),
+                             draft.name.c_str(), line, expected, std::string(text.substr(0, 100)).c_str());
   }
 
-  [[noreturn]] void Malformed(NodeId id, const xml_node& child, std::string_view text,
-                              const char* expected) const {
-    throw PROPERTY_EXCEPTION("Element %s of node '%s' at line %u is not %s: '%s'", child.name(),
-                             std::string(description_->Name(id)).c_str(), Line(child), expected,
-                             std::string(text.substr(0, 100)).c_str());
-  }
+  // Finished nodes
 
-  // An address offset may be a number or, in another attribute, a node's name.
-  TextRef ReadAttribute(const xml_node& child, Element element) {
-    switch (element) {
-      case Element::constant:
-      case Element::expression:
-      case Element::pVariable:
-        return Intern(Trim(child.attribute("Name").value()));
-      case Element::valueIndexed:
-      case Element::pValueIndexed:
-        return Intern(Trim(child.attribute("Index").value()));
-      case Element::pIndex:
-        return Intern(Trim(child.attribute("Offset").value()));
-      default:
-        return {};
-    }
-  }
-
-  bool Replace(NodeId id, const Property& property) {
+  NodeId Add(Draft& draft) {
+    CheckMandatory(draft);
     Description& out = *description_;
-    for (std::size_t i = out.nodes[id].firstProperty; i < out.properties.size(); ++i) {
-      if (out.properties[i].element != property.element) continue;
-      out.properties[i] = property;
-      out.Tolerate("Element " + std::string(XmlName(property.element)) + " of node " + out.Label(id) +
-                   " is repeated; the one at line " + std::to_string(property.line) + " holds");
-      return true;
-    }
-    return false;
+    const auto id = static_cast<NodeId>(out.nodes.size());
+    NodeRecord record{};
+    record.kind = draft.kind;
+    record.nameSpace = draft.nameSpace;
+    record.line = draft.line;
+    record.firstProperty = static_cast<std::uint32_t>(out.properties.size());
+    record.propertyCount = static_cast<std::uint32_t>(draft.properties.size());
+    record.name = InternText(draft.name);
+    record.nameId = lastName_;
+    record.owner = kNoNode;
+    out.nodes.push_back(record);
+    priorities_.push_back(draft.priority);
+    out.properties.insert(out.properties.end(), draft.properties.begin(), draft.properties.end());
+    if (draft.innerCount > 0) AddInner(draft, id);
+    return id;
   }
 
-  // Comments and CDATA sections split a text into parts.
-  static std::string_view TextOf(const xml_node& element, std::string& joined) {
-    std::string_view single;
-    bool several = false;
-    for (const xml_node& part : element.children()) {
-      if (part.type() != pugi::node_pcdata && part.type() != pugi::node_cdata) continue;
-      if (single.empty() && !several) {
-        single = part.value();
-        continue;
-      }
-      if (!several) joined = single;
-      several = true;
-      joined += part.value();
+  // Nodes inside a node follow it, so that every node's properties stay together.
+  void AddInner(Draft& outer, NodeId outerId) {
+    const std::uint32_t first = description_->nodes[outerId].firstProperty;
+    for (std::uint32_t i = first; i < first + outer.properties.size(); ++i) {
+      const Element element = description_->properties[i].element;
+      if (element != Element::enumEntry && element != Element::intSwissKnife) continue;
+      Draft& inner = outer.inner[static_cast<std::size_t>(description_->properties[i].number)];
+      inner.name = (element == Element::enumEntry ? "EnumEntry_" : "_") + outer.name + "_" + inner.ownName;
+      const NodeId id = Add(inner);
+      description_->properties[i].number = id;
+      if (element == Element::enumEntry) description_->nodes[id].owner = outerId;
     }
-    return several ? std::string_view(joined) : single;
   }
 
-  void CheckMandatory(NodeId id) {
-    switch (description_->nodes[id].kind) {
+  void CheckMandatory(const Draft& draft) {
+    switch (draft.kind) {
       case NodeKind::integer:
-        return RequireOneOf(id, {Element::value, Element::pValue, Element::pIndex});
       case NodeKind::floating:
-        return RequireOneOf(id, {Element::value, Element::pValue, Element::pIndex});
+        return RequireOneOf(draft, {Element::value, Element::pValue, Element::pIndex});
       case NodeKind::boolean:
       case NodeKind::command:
       case NodeKind::enumeration:
       case NodeKind::string:
-        return RequireOneOf(id, {Element::value, Element::pValue});
+        return RequireOneOf(draft, {Element::value, Element::pValue});
       case NodeKind::enumEntry:
-        return RequireOneOf(id, {Element::value});
+        return RequireOneOf(draft, {Element::value});
       case NodeKind::swissKnife:
       case NodeKind::intSwissKnife:
-        return RequireOneOf(id, {Element::formula});
+        return RequireOneOf(draft, {Element::formula});
       case NodeKind::converter:
       case NodeKind::intConverter:
-        RequireOneOf(id, {Element::formulaTo});
-        RequireOneOf(id, {Element::formulaFrom});
-        return RequireOneOf(id, {Element::pValue});
+        RequireOneOf(draft, {Element::formulaTo});
+        RequireOneOf(draft, {Element::formulaFrom});
+        return RequireOneOf(draft, {Element::pValue});
       case NodeKind::maskedIntReg:
-        RequireOneOf(id, {Element::bit, Element::lsb, Element::msb});
-        NoteBitOrder(id);
+        RequireOneOf(draft, {Element::bit, Element::lsb, Element::msb});
+        NoteBitOrder(draft);
         [[fallthrough]];
       case NodeKind::intReg:
       case NodeKind::floatReg:
       case NodeKind::stringReg:
       case NodeKind::reg:
-        RequireOneOf(id, {Element::pPort});
-        return RequireOneOf(id, {Element::length, Element::pLength});
+        RequireOneOf(draft, {Element::pPort});
+        return RequireOneOf(draft, {Element::length, Element::pLength});
       default:
         return;
     }
   }
 
   // Little-endian registers count from the least significant bit, big-endian ones from the most significant.
-  void NoteBitOrder(NodeId id) {
-    const Property* const lsb = description_->Find(id, Element::lsb);
-    const Property* const msb = description_->Find(id, Element::msb);
-    const Property* const order = description_->Find(id, Element::endianess);
+  void NoteBitOrder(const Draft& draft) {
+    const Property* const lsb = draft.Find(Element::lsb);
+    const Property* const msb = draft.Find(Element::msb);
+    const Property* const order = draft.Find(Element::endianess);
     if (!lsb || !msb) return;
     const bool isBig = order && order->number == GENAPI_NAMESPACE::BigEndian;
     if (isBig ? lsb->number >= msb->number : msb->number >= lsb->number) return;
-    description_->Tolerate("Elements LSB and MSB of node " + description_->Label(id) +
+    description_->Tolerate("Elements LSB and MSB of node " + draft.Label() +
                            " are exchanged for its byte order");
   }
 
-  void RequireOneOf(NodeId id, std::initializer_list<Element> elements) const {
+  static void RequireOneOf(const Draft& draft, std::initializer_list<Element> elements) {
     for (const Element element : elements)
-      if (HasProperty(id, element)) return;
-    throw RUNTIME_EXCEPTION("Node %s has no element %s", description_->Label(id).c_str(),
-                            XmlName(*elements.begin()));
+      if (draft.Has(element)) return;
+    throw RUNTIME_EXCEPTION("Node %s has no element %s", draft.Label().c_str(), XmlName(*elements.begin()));
   }
 
-  bool HasProperty(NodeId id, Element element) const { return description_->Find(id, element) != nullptr; }
+  // Texts
 
   TextRef Append(std::string_view text) {
     if (text.empty()) return {};
     std::string& pool = description_->text;
     const TextRef ref{static_cast<std::uint32_t>(pool.size()), static_cast<std::uint32_t>(text.size())};
-    if (pool.size() + text.size() > 2 * kMaxText) throw RUNTIME_EXCEPTION("The description is too large");
     pool.append(text);
     return ref;
   }
 
-  // Names repeat: each is kept once. The keys lie in the document, which outlives the index.
-  TextRef Intern(std::string_view text) {
+  // Leaves the name's number in lastName_.
+  TextRef InternText(std::string_view text) {
     if (text.empty()) return {};
-    const auto [entry, isNew] = interned_.try_emplace(text);
-    if (isNew) entry->second = Append(text);
-    return entry->second;
+    lastName_ = description_->names.Intern(text, description_->text);
+    return description_->names.Text(lastName_);
   }
 
-  std::string xml_;
-  LineIndex lines_;
-  pugi::xml_document document_;
+  XmlReader reader_;
   Description* const description_;
+  Draft draft_;
+  NameId lastName_ = 0;
   // By node; of the nodes of earlier documents nothing is known.
   std::vector<std::int8_t> priorities_;
-  std::unordered_map<std::string_view, TextRef> interned_;
 };
+
+// Texts are the larger part of a description; what is set aside and not used costs no memory.
+void SetMemoryAside(Description& description, std::size_t xmlSize) {
+  description.text.reserve(xmlSize / 2);
+  description.properties.reserve(xmlSize / 40);
+}
+
+void CheckSize(std::string_view xml) {
+  if (xml.size() > kMaxDescriptionBytes)
+    throw RUNTIME_EXCEPTION("The description is too large: %zu bytes", xml.size());
+}
 
 }  // namespace
 
-std::shared_ptr<const Description> BuildDescription(std::string xml, std::vector<std::string> injected,
+std::shared_ptr<const Description> BuildDescription(std::string_view xml,
+                                                    const std::vector<std::string>& injected,
                                                     std::vector<std::string> notes) {
   auto description = std::make_shared<Description>();
   description->tolerated = std::move(notes);
-  Builder(std::move(xml), *description).ReadDevice();
-  for (std::string& document : injected) Builder(std::move(document), *description).ReadInjected();
+  CheckSize(xml);
+  SetMemoryAside(*description, xml.size());
+  Builder(xml, *description).ReadDevice();
+  for (const std::string& document : injected) {
+    CheckSize(document);
+    Builder(document, *description).ReadInjected();
+  }
+  description->text.shrink_to_fit();
+  description->nodes.shrink_to_fit();
+  description->properties.shrink_to_fit();
   Link(*description);
   return description;
 }

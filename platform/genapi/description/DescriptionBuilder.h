@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "description/Description.h"
@@ -19,7 +20,8 @@ namespace zyn::genapi {
 ///
 /// `injected` are further documents whose nodes are merged into those of the first, see MergeInjected.
 /// `notes` begin the list of what was tolerated.
-std::shared_ptr<const Description> BuildDescription(std::string xml, std::vector<std::string> injected = {},
+std::shared_ptr<const Description> BuildDescription(std::string_view xml,
+                                                    const std::vector<std::string>& injected = {},
                                                     std::vector<std::string> notes = {});
 
 }  // namespace zyn::genapi

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <span>
-#include <unordered_map>
 
 #include "GenApi/Types.h"
 
@@ -10,7 +9,7 @@ namespace zyn::genapi {
 namespace {
 
 struct KindName {
-  const char* name;
+  std::string_view name;
   NodeKind kind;
 };
 
@@ -43,7 +42,7 @@ constexpr std::array kKinds = {
 };
 
 struct ElementRow {
-  const char* name;
+  std::string_view name;
   Element element;
   Lexical lexical;
 };
@@ -125,12 +124,46 @@ constexpr std::array kElements = {
     ElementRow{"IntSwissKnife", Element::intSwissKnife, Lexical::inner},
 };
 
+// Finds a row of a table by its name: open addressing, worked out by the compiler.
+class WordIndex {
+ public:
+  template <std::size_t N, class Row>
+  explicit constexpr WordIndex(const std::array<Row, N>& rows) {
+    static_assert(N < 255);
+    for (std::size_t i = 0; i < N; ++i) {
+      std::size_t slot = Slot(rows[i].name);
+      while (slots_[slot] != 0) slot = (slot + 1) % kSlots;
+      slots_[slot] = static_cast<std::uint8_t>(i + 1);
+    }
+  }
+
+  template <std::size_t N, class Row>
+  const Row* Find(const std::array<Row, N>& rows, std::string_view name) const {
+    if (name.empty()) return nullptr;
+    for (std::size_t slot = Slot(name); slots_[slot] != 0; slot = (slot + 1) % kSlots)
+      if (rows[slots_[slot] - 1U].name == name) return &rows[slots_[slot] - 1U];
+    return nullptr;
+  }
+
+ private:
+  static constexpr std::size_t kSlots = 512;
+
+  static constexpr std::size_t Slot(std::string_view name) {
+    const auto at = [name](std::size_t i) {
+      return static_cast<std::size_t>(static_cast<unsigned char>(name[i]));
+    };
+    return (name.size() * 37 + at(0) * 5 + at(name.size() / 2) * 131 + at(name.size() - 1) * 11) % kSlots;
+  }
+
+  std::array<std::uint8_t, kSlots> slots_{};
+};
+
 const ElementRow& Row(Element element) {
   return kElements[static_cast<std::size_t>(element)];
 }
 
 struct Word {
-  const char* text;
+  std::string_view text;
   std::int64_t value;
 };
 
@@ -184,32 +217,24 @@ bool IsFloatKind(NodeKind kind) {
 }  // namespace
 
 std::optional<NodeKind> FindNodeKind(std::string_view xmlName) {
-  static const auto* const index = [] {
-    auto* map = new std::unordered_map<std::string_view, NodeKind>;
-    for (const KindName& row : kKinds) map->emplace(row.name, row.kind);
-    return map;
-  }();
-  const auto found = index->find(xmlName);
-  if (found == index->end()) return std::nullopt;
-  return found->second;
+  static constexpr auto kIndex = WordIndex(kKinds);
+  const auto* const row = kIndex.Find(kKinds, xmlName);
+  if (!row) return std::nullopt;
+  return row->kind;
 }
 
 std::optional<Element> FindElement(std::string_view xmlName) {
-  static const auto* const index = [] {
-    auto* map = new std::unordered_map<std::string_view, Element>;
-    for (const ElementRow& row : kElements) map->emplace(row.name, row.element);
-    return map;
-  }();
-  const auto found = index->find(xmlName);
-  if (found == index->end()) return std::nullopt;
-  return found->second;
+  static constexpr auto kIndex = WordIndex(kElements);
+  const auto* const row = kIndex.Find(kElements, xmlName);
+  if (!row) return std::nullopt;
+  return row->element;
 }
 
 const char* XmlName(NodeKind kind) {
-  return kKinds[static_cast<std::size_t>(kind)].name;
+  return kKinds[static_cast<std::size_t>(kind)].name.data();
 }
 const char* XmlName(Element element) {
-  return Row(element).name;
+  return Row(element).name.data();
 }
 
 Lexical LexicalOf(Element element, NodeKind kind) {
@@ -240,7 +265,7 @@ std::optional<std::int64_t> FindWord(Element element, std::string_view word) {
 
 const char* WordText(Element element, std::int64_t value) {
   for (const Word& candidate : WordsOf(element))
-    if (value == candidate.value) return candidate.text;
+    if (value == candidate.value) return candidate.text.data();
   return "";
 }
 

@@ -28,12 +28,13 @@ class Linker {
   NodeId Count() const { return static_cast<NodeId>(out_.nodes.size()); }
 
   void IndexNames() {
-    out_.index.reserve(out_.nodes.size());
     for (NodeId id = 0; id < Count(); ++id) {
-      const auto [entry, isNew] = out_.index.emplace(out_.Name(id), id);
-      if (!isNew)
-        throw RUNTIME_EXCEPTION("Found a duplicate node: %s and %s", out_.Label(entry->second).c_str(),
+      const NameId name = out_.nodes[id].nameId;
+      const NodeId other = out_.names.Node(name);
+      if (other != kNoNode)
+        throw RUNTIME_EXCEPTION("Found a duplicate node: %s and %s", out_.Label(other).c_str(),
                                 out_.Label(id).c_str());
+      out_.names.SetNode(name, id);
     }
   }
 
@@ -47,7 +48,7 @@ class Linker {
 
   void ResolveLink(NodeId id, Property& link) {
     if (LexicalOf(link.element, out_.nodes[id].kind) != Lexical::link) return;
-    const NodeId target = out_.FindNode(out_.Text(link.text));
+    const NodeId target = out_.names.Node(static_cast<NameId>(link.number));
     link.number = target;
     if (target == kNoNode && !MayDangle(link.element))
       throw RUNTIME_EXCEPTION("Element %s at line %u of node %s: dangling node reference '%s'",
@@ -163,25 +164,32 @@ class Linker {
     }
   }
 
+  template <class Step>
+  void EachLink(const Step& step) const {
+    for (NodeId id = 0; id < Count(); ++id)
+      for (const Property& property : out_.Properties(id))
+        if (IsLink(id, property)) step(id, property.element, property.Target());
+  }
+
   void CollectAdjacency() {
-    std::vector<std::pair<NodeId, NodeId>> affected, mentioned, selected;
-    for (NodeId id = 0; id < Count(); ++id) {
-      for (const Property& property : out_.Properties(id)) {
-        if (!IsLink(id, property)) continue;
-        const NodeId target = property.Target();
-        mentioned.emplace_back(target, id);
-        if (property.element == Element::pSelected) {
-          selected.emplace_back(target, id);
-          affected.emplace_back(id, target);
-        } else if (IsReadingLink(property.element) || property.element == Element::pInvalidator ||
-                   property.element == Element::enumEntry) {
-          affected.emplace_back(target, id);
+    out_.mentionedBy.Build(Count(), [this](const auto& add) {
+      EachLink([&add](NodeId id, Element, NodeId target) { add(target, id); });
+    });
+    out_.selectedBy.Build(Count(), [this](const auto& add) {
+      EachLink([&add](NodeId id, Element element, NodeId target) {
+        if (element == Element::pSelected) add(target, id);
+      });
+    });
+    out_.affected.Build(Count(), [this](const auto& add) {
+      EachLink([&add](NodeId id, Element element, NodeId target) {
+        if (element == Element::pSelected) {
+          add(id, target);
+        } else if (IsReadingLink(element) || element == Element::pInvalidator ||
+                   element == Element::enumEntry) {
+          add(target, id);
         }
-      }
-    }
-    out_.affected.Build(Count(), std::move(affected));
-    out_.mentionedBy.Build(Count(), std::move(mentioned));
-    out_.selectedBy.Build(Count(), std::move(selected));
+      });
+    });
   }
 
   void CollectSpecialNodes() {

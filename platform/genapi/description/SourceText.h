@@ -8,8 +8,8 @@
 
 namespace zyn::genapi {
 
-/// Larger descriptions are refused, packed or not.
-constexpr std::size_t kMaxDescriptionBytes = std::size_t{64} << 20;
+/// Larger descriptions are refused, packed or not. A camera's 20,000 features take 6 MiB.
+constexpr std::size_t kMaxDescriptionBytes = std::size_t{32} << 20;
 
 /// The bytes of a file. Throws RuntimeException when it cannot be read.
 std::string ReadFile(const std::string& path);
