@@ -19,6 +19,7 @@ FakeImage::~FakeImage() {
 void FakeImage::Enter(const char* name) {
   if (releases_ > 0) ADD_FAILURE() << name << " on a released frame";
   calls.Add(name);
+  if (hook) hook(name);
 }
 
 bool FakeImage::IsValid() {
@@ -28,7 +29,7 @@ bool FakeImage::IsValid() {
 
 long long FakeImage::FrameID() {
   Enter("FrameID");
-  return 1;
+  return id;
 }
 
 int FakeImage::Width() {
@@ -64,8 +65,10 @@ unsigned char* FakeImage::Data() {
 }
 
 void FakeImage::Release() {
-  Enter("Release");
-  ++releases_;
+  if (++releases_ > 1)
+    ADD_FAILURE() << "frame released twice";  // counted first: the log may run out of memory
+  calls.Add("Release");
+  if (hook) hook("Release");
   if (throwsOnRelease) throw std::runtime_error("release failed");
 }
 

@@ -1,7 +1,10 @@
 #ifndef ZYN_FAKES_FAKE_IMAGE_H
 #define ZYN_FAKES_FAKE_IMAGE_H
 
+#include <functional>
 #include <list>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "CallLog.h"
@@ -13,8 +16,9 @@ class FakeChunk : public KELGENICAM::IChunk {
  public:
   explicit FakeChunk(std::vector<unsigned char> bytes) : bytes_(std::move(bytes)) {}
   unsigned char* Data() override { return isNull ? nullptr : bytes_.data(); }
-  unsigned long long Length() override { return bytes_.size(); }
+  unsigned long long Length() override { return claimedLength.value_or(bytes_.size()); }
   bool isNull = false;
+  std::optional<unsigned long long> claimedLength;
 
  private:
   std::vector<unsigned char> bytes_;
@@ -41,7 +45,9 @@ class FakeImage : public KELGENICAM::IImage {
   int Releases() const { return releases_; }
   std::vector<unsigned char>& Bytes() { return bytes_; }
 
-  // Script.
+  // Script. `hook` runs in every call with its name, and may throw.
+  std::function<void(const std::string& call)> hook;
+  long long id = 1;
   bool isValid = true;
   bool throwsOnData = false;
   bool throwsOnChunks = false;

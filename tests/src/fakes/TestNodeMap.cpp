@@ -132,6 +132,13 @@ void MemoryPort::Write(const void* buffer, std::int64_t address, std::int64_t le
   ++writes;
   if (failsToWrite) throw RUNTIME_EXCEPTION("write failed");
   std::memcpy(&memory_.at(static_cast<std::size_t>(address)), buffer, static_cast<std::size_t>(length));
+  zyn::MutexLock lock(mutex_);
+  written_.emplace_back(address, Get(address));
+}
+
+std::vector<std::pair<std::int64_t, std::uint32_t>> MemoryPort::Written() const {
+  zyn::MutexLock lock(mutex_);
+  return written_;
 }
 
 void MemoryPort::Put(std::int64_t address, std::uint32_t value) {

@@ -4,9 +4,11 @@
 #include <atomic>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "GenICam.h"
+#include "ThreadAnnotations.h"
 
 namespace fakes {
 
@@ -19,6 +21,8 @@ class MemoryPort : public GenApi::IPort {
 
   void Put(std::int64_t address, std::uint32_t value);  ///< past the failures and the count
   std::uint32_t Get(std::int64_t address) const;
+  /// Address and first four bytes of every write, in order.
+  std::vector<std::pair<std::int64_t, std::uint32_t>> Written() const;
 
   std::atomic<int> failingReads{0};  ///< the next so many reads throw
   bool failsToWrite = false;
@@ -32,6 +36,8 @@ class MemoryPort : public GenApi::IPort {
 
  private:
   std::vector<unsigned char> memory_ = std::vector<unsigned char>(0x100);
+  mutable zyn::Mutex mutex_;
+  std::vector<std::pair<std::int64_t, std::uint32_t>> written_ ZYN_GUARDED_BY(mutex_);
 };
 
 /// A real node map over a MemoryPort.
