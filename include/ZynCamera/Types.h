@@ -34,6 +34,14 @@ enum ZynGrabStrategy : int {
   ZYN_GRAB_UPCOMING_IMAGE = 3  ///< the next frame that starts after the call
 };
 
+/// What a 3D camera delivers while it grabs.
+enum Zyn3DGrabType : int {
+  ZYN_3D_GRAB_NONE = 0,     ///< it does not grab
+  ZYN_3D_GRAB_PROFILE = 1,  ///< profiles, each with the sensor image it was taken from: GrabData
+  ZYN_3D_GRAB_CONTOUR = 2,  ///< calibrated profiles: GrabContour
+  ZYN_3D_GRAB_BATCH = 3     ///< scans of many calibrated profiles: GrabBatchData
+};
+
 /// The element type of an image.
 enum ZynImageType : int {
   ZYN_IMAGE_U8 = 0,   ///< unsigned 8-bit integer

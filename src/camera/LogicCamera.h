@@ -22,16 +22,20 @@ struct INodeMap;
 
 namespace ZYNSDK {
 
+class BatchScan;
 class CameraAttribute;
 class CImageThread;
+class FrameGuard;
 class IImageHandler;
 class NodeManager;
 class PhysicCamera;
+class Zyn3DIntArray;
 class ZynCameraAttribute;
 class ZynChunkData;
 class ZynImage;
 class ZynNode;
 class ZynNodeArray;
+class ZynRangeImage;
 class ZynString;
 class ZynStringArray;
 
@@ -158,10 +162,43 @@ class LogicCamera {
   /// 101001 closed; 101040 an exception; else 0, whatever the device said to the parameter.
   long SetCLCameraParam(const char* name, const char* value);
 
+  // 3D acquisition. What the public header says of Zyn3DCamera's StartGrab, StopGrab, GetGrabType, GrabData,
+  // GrabContour, GrabBatchData, SetBatchCount and GetBatchCount.
+
+  long Start3DGrab(Zyn3DGrabType type);
+  long Start3DGrabAction(Zyn3DGrabType type);
+  /// An exception of the device leaves the grab type and the scan in progress as they are.
+  long Stop3DGrab();
+  long Stop3DGrabAction() ZYN_EXCLUDES(scanMutex_);
+  Zyn3DGrabType GetGrabType();
+  long GetGrabTypeAction(Zyn3DGrabType& type);  ///< always 0
+
+  long Grab3DData(ZynImage* image, Zyn3DIntArray* heights, ZynImage* intensity);
+  /// Waits for one frame, which the caller releases. 101050 unless `type` is what the camera grabs.
+  long Grab3DDataAction(KELGENICAM::IImage** frame, Zyn3DGrabType type);
+  long Grab3DContour(Zyn3DIntArray* heights, ZynImage* intensity);
+  long Grab3DBatchData(ZynRangeImage* range, ZynImage* intensity);
+  /// Waits for one frame, which the caller releases also after a failure, and adds it to the scan. `done`:
+  /// a scan has been delivered.
+  long Grab3DBatchDataAction(KELGENICAM::IImage** frame, ZynRangeImage* range, ZynImage* intensity,
+                             bool& done) ZYN_EXCLUDES(scanMutex_);
+
+  /// Always acts on the camera's own features: `source` is ignored.
+  long SetBatchCount(ZynXmlSource source, int count);
+  long SetBatchCountAction(int count);
+  long GetBatchCount(ZynXmlSource source, int* count);
+
  private:
   long FindNode(const std::string& name, ZynNode& node, ZynXmlSource source);
   CameraAttribute* RecordFor(KELGENICAM::ICameraInfo* info);
   static long Deliver(KELGENICAM::IImage& frame, ZynImage& image, ZynChunkData* chunk);
+  long WaitFor3DFrame(FrameGuard& frame, Zyn3DGrabType type);
+  void WriteModeFeatures(Zyn3DGrabType type);
+  void PrepareScan() ZYN_EXCLUDES(scanMutex_);
+  long ReadIntFeature(const char* name, ZynXmlSource source, int& value);
+  float FloatFeatureOrZero(const char* name);
+  void ReplaceScan(std::shared_ptr<BatchScan> scan) ZYN_EXCLUDES(scanMutex_);
+  std::shared_ptr<BatchScan> CurrentScan() ZYN_EXCLUDES(scanMutex_);
 
   zyn::Mutex mutex_;  // held by GetNodesMap for its look-up; the lock of the device is taken under it
   const std::unique_ptr<PhysicCamera> device_;
@@ -171,6 +208,12 @@ class LogicCamera {
   std::atomic<bool> isUnseen_{false};
   std::atomic<bool> isOnline_{true};
   std::atomic<int> grabTimeoutMs_{5000};
+  std::atomic<Zyn3DGrabType> grabType_{ZYN_3D_GRAB_NONE};  // stays after a stream start that failed
+  std::atomic<int> outlineLength_{2000};  // points per profile; kept by cameras that do not say
+  zyn::Mutex scanMutex_;                  // held to copy the pointer only
+  // The scan being assembled, from the start of a batch grab to its stop. A grab that is adding a frame shares
+  // it, so a stop on another thread neither waits for the grab nor frees what it writes to.
+  std::shared_ptr<BatchScan> scan_ ZYN_GUARDED_BY(scanMutex_);
   const std::unique_ptr<CImageThread> imageThread_;  // last: it ends before anything that its grabs use
 };
 

@@ -1,7 +1,7 @@
-#include <list>
 #include <memory>
 
 #include "CImageThread.h"
+#include "FirstChunk.h"
 #include "FrameGuard.h"
 #include "Guarded.h"
 #include "Img.h"
@@ -15,14 +15,10 @@ namespace ZYNSDK {
 
 namespace {
 
-// Copies the first chunk; further chunks are ignored. No chunk leaves the container alone.
+// Further chunks are ignored. No chunk leaves the container alone.
 void CopyFirstChunk(KELGENICAM::IImage& frame, ZynChunkData& out) {
-  std::list<KELGENICAM::IChunk*> chunks;
-  frame.Chunks(chunks);
-  if (chunks.empty() || !chunks.front()) return;
-  const unsigned long long length = chunks.front()->Length();
-  const unsigned char* data = chunks.front()->Data();
-  if (data) out.setData(length, data);
+  const FirstChunk chunk(frame);
+  if (chunk.data) out.setData(chunk.bytes, chunk.data);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <list>
 #include <new>
 #include <string>
 
 #include "FakeTransport.h"
+#include "LaserFeatures.h"
 #include "LogicCamera.h"
 #include "TestNodeMap.h"
 #include "ZynCamera.h"
@@ -106,4 +108,40 @@ TEST_F(OutOfMemory, WritingAnEnumerationAnswersACode) {
   ZynString entry;
   entry = "a name that does not fit into the string object itself";
   EXPECT_EQ(WithAllocations(0, [&] { return node.SetEnumString(entry); }), ZYN_ERROR_EXCEPTION);
+}
+
+TEST_F(OutOfMemory, AProfileOrAScanAnswersACodeAndReleasesItsFrame) {
+  fakes::LaserNodeMap features;
+  features.PutInt("OutlineLengthMax", 4);
+  features.PutInt("AcquisitionLineCount", 5);
+  features.PutInt("BatchNumber", 5);
+  info.model = "VX7";
+  device.remoteMap.map = features.Map();
+  std::list<fakes::FakeImage> frames;
+  fakes::FakeChunk records(std::vector<unsigned char>(80, 7));
+  ZynImage image;
+  ZynImage intensity;
+  Zyn3DIntArray heights;
+  ZynRangeImage range;
+  const auto run = [&](Zyn3DGrabType type, auto grab) {
+    ASSERT_EQ(camera.Start3DGrab(type), ZYN_OK);
+    long result = ZYN_ERROR_EXCEPTION;
+    long failures = -1;
+    while (result == ZYN_ERROR_EXCEPTION && failures < 100) {
+      fakes::FakeImage& frame = frames.emplace_back(2, 2, 1, 2);
+      frame.chunks = {&records};
+      device.Deliver(0, &frame);
+      result = WithAllocations(++failures, grab);
+      EXPECT_TRUE(result == ZYN_OK || heights.Length() == 0);
+    }
+    EXPECT_EQ(result, ZYN_OK);
+    EXPECT_GT(failures, 3);
+    camera.Stop3DGrab();
+    heights.Clear();
+  };
+  run(ZYN_3D_GRAB_PROFILE, [&] { return camera.Grab3DData(&image, &heights, &intensity); });
+  run(ZYN_3D_GRAB_CONTOUR, [&] { return camera.Grab3DContour(&heights, &intensity); });
+  run(ZYN_3D_GRAB_BATCH, [&] { return camera.Grab3DBatchData(&range, &intensity); });
+  EXPECT_EQ(range.Height(), 5);
+  camera.Close();
 }
