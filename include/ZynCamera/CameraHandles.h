@@ -15,11 +15,13 @@ class IImageHandler;
 class LogicCamera;
 class ZynCamera;
 class Zyn3DCamera;
+class Zyn3DIntArray;
 class ZynCameraAttribute;
 class ZynChunkData;
 class ZynImage;
 class ZynNode;
 class ZynNodeArray;
+class ZynRangeImage;
 
 /// The GenICam node map behind a camera, for what ZynNode does not serve; null while the camera is closed or
 /// has no such map. Owned by the camera, valid until it is closed. Design decision: neither null nor an empty
@@ -112,11 +114,53 @@ class ZYNSDK_API Zyn3DCamera {
   Zyn3DCamera& operator=(const Zyn3DCamera& other) = default;
   virtual ~Zyn3DCamera();
 
-  ZynCameraAttribute* Attribute();                ///< as ZynCamera::Attribute
-  long Open();                                    ///< as ZynCamera::Open without a configuration file
-  long Close();                                   ///< as ZynCamera::Close
-  bool IsOpen();                                  ///< as ZynCamera::IsOpen
-  long SetGrabTimeout(int milliseconds);          ///< as ZynCamera::SetGrabTimeout
+  ZynCameraAttribute* Attribute();  ///< as ZynCamera::Attribute
+  long Open();                      ///< as ZynCamera::Open without a configuration file
+  long Close();                     ///< as ZynCamera::Close
+  bool IsOpen();                    ///< as ZynCamera::IsOpen
+
+  /// Sets the camera up for one of the three modes, and starts the stream. For scans it also reads how many
+  /// lines a scan has, how many of them a frame, how many points a line, and the scale. A camera without
+  /// "OutlineLengthMax" keeps the points per line that it had last, 2000 at first. 101009 not a 3D camera;
+  /// 101010 not open; 101012 it grabs already; 101050 `type` is none of the modes; 101040 an exception, or the
+  /// camera describes a scan that no range image can hold (negative, or beyond 2147483647 bytes of heights);
+  /// 101015 the stream did not come up; else a transport result.
+  long StartGrab(Zyn3DGrabType type);
+  /// Stops the stream; a scan in progress is dropped. May run while another thread waits in a grab: that ends
+  /// with 101023, or with 101050 when it had a frame of a scan in hand. 101009 not a 3D camera; 101011 not open;
+  /// 101040 an exception, and the grab type stays.
+  long StopGrab();
+  Zyn3DGrabType GetGrabType();            ///< ZYN_3D_GRAB_NONE while the stream does not run
+  long SetGrabTimeout(int milliseconds);  ///< as ZynCamera::SetGrabTimeout
+
+  // Grabs. One thread at a time is served in order; the results belong to the caller and own copies. Each waits
+  // for a frame up to the time-out and returns 0; 101050 null argument, or not started for this grab; 101010
+  // not open; 101011 the stream does not run; 101023 no frame in time, or stopped meanwhile; 101081 no frame;
+  // 101084 frame incomplete or damaged; 101040 an exception; else a transport result.
+
+  /// ZYN_3D_GRAB_PROFILE: the sensor image and the profile found in it. `heights`: one per point, 0 to 1023,
+  /// raw. `intensity`: one row, a byte per point, whose low two bits are the height's high ones. `heights` is
+  /// cleared first and stays empty on failure. A frame without a profile delivers its image only, with empty
+  /// heights and `intensity` unchanged. Also 101009 not a 3D camera; 101082 no image could be made.
+  long GrabData(ZynImage* image, Zyn3DIntArray* heights, ZynImage* intensity);
+  /// ZYN_3D_GRAB_CONTOUR: one profile. `heights`: one per point, 0 to 65535, raw. `intensity`: one row, a byte
+  /// per point. `heights` is cleared first and stays empty on failure. Also 101085 a frame without a profile.
+  long GrabContour(Zyn3DIntArray* heights, ZynImage* intensity);
+  /// ZYN_3D_GRAB_BATCH: one scan. Waits for as many frames as it takes, each up to the time-out, without a
+  /// bound on their number. `range`: a row per line, unsigned 16-bit heights. `intensity`: the same shape, a
+  /// byte per point. Frames of a wrong size are skipped. A frame of another scan (with another identifier) ends
+  /// the one in progress: it is delivered, and its missing rows hold those of the scan before, or 0. After an
+  /// error the lines that came stay, and the next grab goes on with them. Also 101085 a frame without lines.
+  long GrabBatchData(ZynRangeImage* range, ZynImage* intensity);
+
+  /// Sets the lines of a scan: `count`, 1 to 65500, rounded up to a multiple of 100; a frame then holds
+  /// `count` of them, at most 100. 101009 not a 3D camera; 101050 another count; 101010 not open; 101012 it
+  /// grabs; 101040 an exception; else as ZynNode::SetInt.
+  long SetBatchCount(int count);
+  /// The lines of a scan. 101009 not a 3D camera; 101050 null; 101010 not open; 101040 an exception; else as
+  /// ZynNode::GetInt.
+  long GetBatchCount(int* count);
+
   long GetNode(const char* name, ZynNode* node);  ///< as ZynCamera::GetRemoteNode
   long GetNodes(ZynNodeArray* nodes);             ///< as ZynCamera::GetRemoteNodes
 

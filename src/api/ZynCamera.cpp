@@ -123,8 +123,42 @@ bool Zyn3DCamera::IsOpen() {
   return camera_ && camera_->IsOpen();
 }
 
+long Zyn3DCamera::StartGrab(Zyn3DGrabType type) {
+  return camera_ ? camera_->Start3DGrab(type) : ZYN_ERROR_NO_OBJECT;
+}
+
+long Zyn3DCamera::StopGrab() {
+  return camera_ ? camera_->Stop3DGrab() : ZYN_ERROR_NO_OBJECT;
+}
+
+Zyn3DGrabType Zyn3DCamera::GetGrabType() {
+  return camera_ ? camera_->GetGrabType() : ZYN_3D_GRAB_NONE;
+}
+
 long Zyn3DCamera::SetGrabTimeout(int milliseconds) {
   return camera_ ? camera_->SetGrabTimeout(milliseconds) : ZYN_ERROR_NO_OBJECT;
+}
+
+long Zyn3DCamera::GrabData(ZynImage* image, Zyn3DIntArray* heights, ZynImage* intensity) {
+  return camera_ ? camera_->Grab3DData(image, heights, intensity) : ZYN_ERROR_NO_OBJECT;
+}
+
+long Zyn3DCamera::GrabContour(Zyn3DIntArray* heights, ZynImage* intensity) {
+  return camera_ ? camera_->Grab3DContour(heights, intensity) : ZYN_ERROR_NO_OBJECT;
+}
+
+long Zyn3DCamera::GrabBatchData(ZynRangeImage* range, ZynImage* intensity) {
+  return camera_ ? camera_->Grab3DBatchData(range, intensity) : ZYN_ERROR_NO_OBJECT;
+}
+
+// Design decision: through a handle only the camera's own features are reached. Pinned by
+// TheBatchCountIsTheCamerasOwn.
+long Zyn3DCamera::SetBatchCount(int count) {
+  return camera_ ? camera_->SetBatchCount(ZYN_XML_REMOTE_DEVICE, count) : ZYN_ERROR_NO_OBJECT;
+}
+
+long Zyn3DCamera::GetBatchCount(int* count) {
+  return camera_ ? camera_->GetBatchCount(ZYN_XML_REMOTE_DEVICE, count) : ZYN_ERROR_NO_OBJECT;
 }
 
 long Zyn3DCamera::GetNode(const char* name, ZynNode* node) {

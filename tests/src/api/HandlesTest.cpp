@@ -10,6 +10,7 @@
 #include "EventRecorder.h"
 #include "FakeTransport.h"
 #include "Handles.h"
+#include "LaserFeatures.h"
 #include "TestNodeMap.h"
 #include "ZynCamera.h"
 
@@ -73,10 +74,29 @@ TEST(EmptyZyn3DCamera, AnswersTheNullResults) {
   Zyn3DCamera camera;
   ZynNode node;
   ZynNodeArray nodes;
+  ZynImage image;
+  Zyn3DIntArray heights;
+  ZynRangeImage range;
+  int count = 0;
   EXPECT_EQ(camera.Attribute(), nullptr);
   EXPECT_FALSE(camera.IsOpen());
-  const std::vector<long> results = {camera.Open(), camera.Close(), camera.SetGrabTimeout(0),
-                                     camera.GetNode("X", &node), camera.GetNodes(&nodes)};
+  EXPECT_EQ(camera.GetGrabType(), ZYN_3D_GRAB_NONE);
+  const std::vector<long> results = {camera.Open(),
+                                     camera.Close(),
+                                     camera.StartGrab(ZYN_3D_GRAB_BATCH),
+                                     camera.StopGrab(),
+                                     camera.SetGrabTimeout(0),
+                                     camera.GrabData(&image, &heights, &image),
+                                     camera.GrabData(nullptr, nullptr, nullptr),
+                                     camera.GrabContour(&heights, &image),
+                                     camera.GrabContour(nullptr, nullptr),
+                                     camera.GrabBatchData(&range, &image),
+                                     camera.GrabBatchData(nullptr, nullptr),
+                                     camera.SetBatchCount(100),
+                                     camera.GetBatchCount(&count),
+                                     camera.GetBatchCount(nullptr),
+                                     camera.GetNode("X", &node),
+                                     camera.GetNodes(&nodes)};
   for (long result : results) EXPECT_EQ(result, ZYN_ERROR_NO_OBJECT);
 }
 
@@ -243,6 +263,91 @@ TEST(Zyn3DCameraHandle, OpensWithoutAFileAndCloses) {
   EXPECT_EQ(camera.SetGrabTimeout(1), 0);
   EXPECT_EQ(camera.Close(), 0);
   EXPECT_FALSE(camera.IsOpen());
+}
+
+TEST(Zyn3DCameraHandle, EveryGrabReachesTheDevice) {
+  fakes::LaserNodeMap features;
+  features.PutInt("OutlineLengthMax", 1);
+  features.PutInt("AcquisitionLineCount", 2);
+  features.PutInt("BatchNumber", 2);
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-grabs", "VX7");
+  FakeCamera device;
+  device.remoteMap.map = features.Map();
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  Zyn3DCamera camera;
+  ASSERT_EQ(Discovery3DCamera("H-grabs", &camera), 0);
+  ASSERT_EQ(camera.Open(), 0);
+  fakes::FakeChunk records({0, 1, 2, 3, 0, 5, 6, 7});
+  ZynImage image;
+  ZynImage intensity;
+  Zyn3DIntArray heights;
+  ZynRangeImage range;
+  const auto grabOnce = [&](Zyn3DGrabType type, auto grab) {
+    fakes::FakeImage frame(4, 3, 1, 10);
+    frame.chunks = {&records};
+    device.Deliver(0, &frame);
+    EXPECT_EQ(camera.StartGrab(type), 0);
+    EXPECT_EQ(camera.GetGrabType(), type);
+    EXPECT_EQ(grab(), 0);
+    EXPECT_EQ(camera.StopGrab(), 0);
+    EXPECT_EQ(camera.GetGrabType(), ZYN_3D_GRAB_NONE);
+  };
+  grabOnce(ZYN_3D_GRAB_PROFILE, [&] { return camera.GrabData(&image, &heights, &intensity); });
+  EXPECT_EQ(image.Width(), 4);
+  EXPECT_EQ(heights[0], 258);
+  EXPECT_EQ(intensity.Width(), 2);
+  grabOnce(ZYN_3D_GRAB_CONTOUR, [&] { return camera.GrabContour(&heights, &intensity); });
+  EXPECT_EQ(heights[0], 515);
+  grabOnce(ZYN_3D_GRAB_BATCH, [&] { return camera.GrabBatchData(&range, &intensity); });
+  EXPECT_EQ(range.GetValue(1, 0), 1543.0);
+  EXPECT_EQ(intensity.Height(), 2);
+  EXPECT_EQ(camera.Close(), 0);
+}
+
+TEST(Zyn3DCameraHandle, TheBatchCountIsTheCamerasOwn) {
+  fakes::LaserNodeMap features;
+  fakes::LaserNodeMap others;
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-count", "VX7");
+  FakeCamera device;
+  device.tlMap.map = device.interfaceMap.map = device.localMap.map = device.streamMap.map = others.Map();
+  device.remoteMap.map = features.Map();
+  transport.present = {&info};
+  transport.cameras[&info] = {&device};
+  Zyn3DCamera camera;
+  ASSERT_EQ(Discovery3DCamera("H-count", &camera), 0);
+  ASSERT_EQ(camera.Open(), 0);
+  EXPECT_EQ(camera.SetBatchCount(250), 0);
+  int count = 0;
+  EXPECT_EQ(camera.GetBatchCount(&count), 0);
+  EXPECT_EQ(count, 300);
+  EXPECT_EQ(others.GetInt("AcquisitionLineCount"), 0);
+  EXPECT_EQ(camera.Close(), 0);
+}
+
+TEST(Zyn3DCameraHandle, GivesTheFeaturesThatA2DHandleOnTheSameCameraGives) {
+  fakes::LaserNodeMap features;
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-both", "KEL-LP2");
+  FakeCamera device;
+  device.remoteMap.map = features.Map();
+  transport.present = {&info};
+  transport.byTLType[1] = {&info};
+  transport.cameras[&info] = {&device};
+  Zyn3DCamera camera;
+  ZynCameraArray cameras;
+  ASSERT_EQ(Discovery3DCamera("H-both", &camera), 0);
+  ASSERT_EQ(DiscoveryCamerasByProtocolType(1, &cameras), 0);
+  ASSERT_EQ(cameras.length(), 1U);
+  ASSERT_EQ(camera.Open(), 0);
+  ZynNode node;
+  ZynNode sameNode;
+  EXPECT_EQ(camera.GetNode("BatchNumber", &node), 0);
+  EXPECT_EQ(cameras[0].GetRemoteNode("BatchNumber", &sameNode), 0);
+  EXPECT_EQ(InternalOf(node), InternalOf(sameNode));
+  EXPECT_EQ(camera.Close(), 0);
 }
 
 TEST(NodeMapFunctions, ReachTheCamera) {
