@@ -74,6 +74,10 @@ class CameraModel {
   /// When the next frame is due, by the camera's clock. Empty: not before something happens (start, trigger).
   virtual std::optional<std::int64_t> NextFrameDueNs() const = 0;
 
+  /// No rate and no trigger holds the next frame back: it is due as soon as the one before was taken. Who then skips
+  /// frames for want of a buffer would do nothing else.
+  virtual bool IsFreeRunning() const = 0;
+
   /// Blocks until a frame is due, for `timeoutNs` at most (0: only asks; kForever: without end). Wakes for
   /// everything that changes what is due. Ends with `cancelled` at once while a cancellation is pending.
   virtual FrameWait WaitForFrame(std::int64_t timeoutNs) = 0;

@@ -70,6 +70,11 @@ std::optional<std::int64_t> SimulatedCamera::NextFrameDueNs() const {
   return DueNs();
 }
 
+bool SimulatedCamera::IsFreeRunning() const {
+  const MutexLock lock(mutex_);
+  return core_->GetPacer().IsFreeRunning();
+}
+
 FrameWait SimulatedCamera::WaitForFrame(std::int64_t timeoutNs) {
   const std::int64_t start = clock_.NowNs();
   const std::int64_t deadline = timeoutNs > kForever - start ? kForever : start + timeoutNs;

@@ -24,6 +24,7 @@ class SimulatedCamera final : public CameraModel, private ClockListener {
   bool IsAcquiring() const override;
   std::size_t PayloadSize() const override;
   std::optional<std::int64_t> NextFrameDueNs() const override;
+  bool IsFreeRunning() const override;
   FrameWait WaitForFrame(std::int64_t timeoutNs) override;
   void CancelWait() override;
   void ResumeWaiting() override;

@@ -32,6 +32,8 @@ class Pacer {
   void Start(const Pace& pace, std::int64_t nowNs);
   void Stop() { isRunning_ = false; }
   bool IsRunning() const { return isRunning_; }
+  /// Frames are due as soon as the one before was taken.
+  bool IsFreeRunning() const { return isRunning_ && !pace_.unitsAreTriggered && pace_.unitPeriodNs == 0; }
 
   /// The next frame takes its time from here on.
   void SetUnitPeriod(std::int64_t ns) { pace_.unitPeriodNs = ns; }
