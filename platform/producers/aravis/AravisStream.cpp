@@ -1,6 +1,7 @@
 #include "AravisStream.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include "FrameTranslation.h"
@@ -18,6 +19,10 @@ constexpr milliseconds kGoodbyePatience{500};
 // What libaravis knows of a frame comes with its leader. Without one a buffer still describes the frame it held before;
 // this number, which no camera sends, tells that there was none.
 constexpr std::uint64_t kNoFrameId = ~std::uint64_t{0};
+// How often a stream that has just started is looked after, and one that waits for its first trigger.
+constexpr milliseconds kStartWatchPeriod{10};
+constexpr milliseconds kIdleWatchPeriod{100};
+constexpr int kStartWatchRounds = 200;
 
 }  // namespace
 
@@ -51,6 +56,12 @@ void AravisStream::Start() {
     source_ = stream.get();
     stream_ = std::move(stream);
     isAccepting_ = true;
+  }
+  try {
+    startWatch_ = std::thread([this] { WatchStart(); });
+  } catch (const std::system_error&) {
+    Stop(true);
+    throw producer::Error(GenTL::GC_ERR_RESOURCE_EXHAUSTED, "The system has no thread left.");
   }
   OnBuffersQueued();
 }
@@ -126,7 +137,8 @@ void AravisStream::OnFrameBegins() {
   producer::StreamBuffer* begun = nullptr;
   {
     const MutexLock lock(mutex_);
-    ++begun_;
+    if (++begun_ == 1) stopped_.notify_all();
+    RecoverSwallowed();
     if (waiting_.empty()) return;
     begun = waiting_.front()->owner;
     waiting_.pop_front();
@@ -141,6 +153,9 @@ void AravisStream::OnFrameDone(ArvBuffer* buffer) {
   ArvStream* source = nullptr;
   {
     const MutexLock lock(mutex_);
+    if (std::any_of(retired_.begin(), retired_.end(), [&](const auto& old) { return old.get() == buffer; })) {
+      return;
+    }
     source = source_;
     ++done_;
     entry->isInside = false;
@@ -178,10 +193,48 @@ void AravisStream::OnThreadEnd() {
   changed_.notify_all();
 }
 
+// libaravis opens its packet socket first and tells the system a little later which packets are meant for it. What any
+// camera or application sends over the adapter in between is taken for the start of a frame: it costs a buffer each,
+// which goes to the queue of finished buffers without a word. So that queue is looked through until the first frame, and
+// once more whenever a frame begins.
+void AravisStream::WatchStart() {
+  MutexLock lock(mutex_);
+  for (int round = 0; isAccepting_ && begun_ == 0; ++round) {
+    const milliseconds period = round < kStartWatchRounds ? kStartWatchPeriod : kIdleWatchPeriod;
+    lock.WaitUntil(stopped_, std::chrono::steady_clock::now() + period);
+    if (isAccepting_) RecoverSwallowed();
+  }
+}
+
+// A buffer without a frame may also be one that was given up just now and is about to be handed over. Its memory goes
+// on in a new object, so that the hand-over of the old one can be told from it and is ignored.
+void AravisStream::RecoverSwallowed() {
+  if (!stream_) return;
+  while (GlibPtr<ArvBuffer> buffer{arv_stream_try_pop_buffer(stream_.get())}) {
+    const auto isIt = [&](const auto& entry) { return entry->buffer.get() == buffer.get(); };
+    const auto found = std::find_if(entries_.begin(), entries_.end(), isIt);
+    if (found == entries_.end() || arv_buffer_get_frame_id(buffer.get()) != kNoFrameId) continue;
+    Entry& entry = **found;
+    if (!entry.isInside) continue;
+    retired_.push_back(std::move(entry.buffer));
+    producer::StreamBuffer& owner = *entry.owner;
+    entry.buffer.reset(arv_buffer_new_full(owner.Size(), owner.Memory(), &entry, nullptr));
+    arv_buffer_set_frame_id(entry.buffer.get(), kNoFrameId);
+    std::erase(waiting_, &entry);
+    waiting_.push_back(&entry);
+    arv_stream_push_buffer(stream_.get(), Share(entry.buffer.get()).release());
+  }
+}
+
 void AravisStream::Stop(bool kill) {
   {
     const MutexLock lock(mutex_);
     isAccepting_ = false;
+    stopped_.notify_all();
+  }
+  if (startWatch_.joinable()) startWatch_.join();
+  {
+    const MutexLock lock(mutex_);
     if (!stream_) return;
   }
   if (!kill && !link_.isLost) WaitForFramesInProgress();
@@ -214,6 +267,7 @@ void AravisStream::WaitForThreadEnd() {
 void AravisStream::GiveBackRest() {
   const MutexLock lock(mutex_);
   waiting_.clear();
+  retired_.clear();
   for (const auto& entry : entries_) {
     if (std::exchange(entry->isInside, false)) sink_.GiveBack(*entry->owner);
   }

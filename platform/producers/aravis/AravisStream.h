@@ -9,6 +9,7 @@
 #include <deque>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "Disposer.h"
@@ -55,6 +56,8 @@ class AravisStream final : public producer::Stream {
   void OnFrameBegins();
   void OnFrameDone(ArvBuffer* buffer);
   void OnThreadEnd();
+  void WatchStart() ZYN_EXCLUDES(mutex_);
+  void RecoverSwallowed() ZYN_REQUIRES(mutex_);
 
   GlibPtr<ArvStream> CreateStream();
   std::size_t ReadPayloadSize();
@@ -86,6 +89,11 @@ class AravisStream final : public producer::Stream {
   std::uint64_t done_ ZYN_GUARDED_BY(mutex_) = 0;
   bool hasThreadEnded_ ZYN_GUARDED_BY(mutex_) = true;
   bool isAccepting_ ZYN_GUARDED_BY(mutex_) = false;
+  // Buffers taken back from libaravis, kept until its thread has ended: it may yet name one of them.
+  std::vector<GlibPtr<ArvBuffer>> retired_ ZYN_GUARDED_BY(mutex_);
+  std::condition_variable stopped_;
+  std::thread
+      startWatch_;  // runs from Start to the first frame, or to Stop; used by the caller of these only
 };
 
 }  // namespace zyn::aravis

@@ -2,8 +2,16 @@
 
 #include <gtest/gtest.h>
 
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
 #include <cstring>
 #include <numeric>
+#include <set>
+#include <thread>
 
 #include "AravisBackend.h"
 #include "BackendFixtures.h"
@@ -19,6 +27,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using test::Chunk;
 using test::StreamingDevice;
+using test::TestBuffer;
 using test::TestListener;
 using test::TestSink;
 using test::WireFrame;
@@ -41,6 +50,35 @@ WireFrame PlainFrame(std::uint16_t id = 1) {
   frame.data = Pattern(kImageBytes);
   return frame;
 }
+
+// Packets that are meant for somebody else, as many as one thread can send, over the adapter of the camera.
+class Traffic {
+ public:
+  Traffic() : sender_([this] { Send(); }) {}
+  ~Traffic() {
+    isOver_ = true;
+    sender_.join();
+  }
+  Traffic(const Traffic&) = delete;
+  Traffic& operator=(const Traffic&) = delete;
+
+ private:
+  void Send() {
+    const int socket = ::socket(AF_INET, SOCK_DGRAM, 0);
+    sockaddr_in to{};
+    to.sin_family = AF_INET;
+    to.sin_addr.s_addr = htonl(0x7F000003);
+    to.sin_port = htons(9);
+    const std::array<char, 12> data{};
+    while (!isOver_) {
+      (void)sendto(socket, data.data(), data.size(), 0, reinterpret_cast<const sockaddr*>(&to), sizeof to);
+    }
+    close(socket);
+  }
+
+  std::atomic<bool> isOver_{false};
+  std::thread sender_;
+};
 
 class FrameTest : public testing::Test {
  protected:
@@ -93,6 +131,26 @@ TEST_F(FrameTest, GeometryAndTimeComeFromTheLeader) {
   EXPECT_EQ(info.timestampNs, 5'000'000'000U) << "the camera counts microseconds";
   EXPECT_EQ(info.chunkTrailers, ChunkTrailers::none);
   EXPECT_EQ(std::memcmp(buffer->Memory(), frame.data.data(), frame.data.size()), 0);
+}
+
+// The gap lasts a few milliseconds, so it takes more than one start to be sure of meeting it. A frame that comes while
+// the others' packets are still being looked through may be lost; a buffer may not.
+TEST_F(FrameTest, NoBufferIsLostToPacketsOfOthersWhileTheStreamStarts) {
+  Start(kImageBytes, kImageBytes);
+  for (int round = 0; round < 12; ++round) {
+    stream_->Stop(true);
+    {
+      const Traffic traffic;
+      stream_->Start();
+    }
+    std::set<TestBuffer*> seen;
+    for (std::uint16_t id = 1; seen.size() < 4 && id < 100; ++id) {
+      camera_->Send(PlainFrame(id));
+      if (const auto delivery = sink_.Wait(milliseconds(100))) seen.insert(delivery->buffer);
+    }
+    ASSERT_EQ(seen.size(), 4U) << "each of the four buffers comes back with a frame";
+    for (TestBuffer* buffer : seen) sink_.Queue(*buffer);
+  }
 }
 
 TEST_F(FrameTest, ImageWithChunksEndsExactlyBehindTheLastTrailer) {
