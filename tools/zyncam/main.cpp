@@ -12,6 +12,7 @@
 
 #include "Console.h"
 #include "Failure.h"
+#include "Simulator.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -34,6 +35,7 @@ struct CommandLine {
   AccessOptions access;
   GrabOptions grab;
   bool showTrace = false;
+  bool simulate = false;
   std::function<bool(Console&)> verb;  ///< returns false when it was interrupted
 };
 
@@ -158,6 +160,7 @@ int ReportFailure(Console& console, const CommandLine& line, const Failure& fail
 
 int RunVerb(Console& console, const CommandLine& line) {
   try {
+    if (line.simulate) AddSimulatedCameras();
     return line.verb(console) ? kExitOk : kExitInterrupted;
   } catch (const Failure& failure) {
     return ReportFailure(console, line, failure);
@@ -181,6 +184,8 @@ int Run(int argc, char** argv) {
   app.fallthrough();
   CommandLine line;
   app.add_flag("--trace", line.showTrace, "Show the library's trace lines on standard error");
+  app.add_flag("--simulate", line.simulate,
+               "Add simulated cameras; ZYN_SIMULATOR_CONFIG names a file that tells which");
   AddList(app, line);
   AddInfo(app, line);
   AddFeatures(app, line);
