@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "Kernels.h"
 #include "PointRecords.h"
 
 namespace ZYNSDK::portable {
@@ -53,3 +54,10 @@ void DecodeBatch(const std::uint8_t* records, std::size_t bytes, std::uint16_t* 
 }
 
 }  // namespace ZYNSDK::portable
+
+namespace ZYNSDK {
+
+const DecodeKernel kPortableKernel = {portable::DecodeProfile, portable::DecodeContour,
+                                      portable::DecodeBatch};
+
+}  // namespace ZYNSDK
