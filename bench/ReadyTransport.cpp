@@ -5,10 +5,13 @@
 #include <KELGeniCam.h>
 
 #include <array>
+#include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace ready {
@@ -46,6 +49,40 @@ class MemoryPort : public GenApi_3_4::IPort {
 std::vector<unsigned char>& Frame() {
   static std::vector<unsigned char> frame;
   return frame;
+}
+
+/// The frames that were made ready and not taken yet.
+class ReadyFrames {
+ public:
+  void Put() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      ++count_;
+    }
+    isReady_.notify_one();
+  }
+  bool Take(int timeoutMs) {
+    std::unique_lock<std::mutex> lock(mutex_);
+    if (!isReady_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [&] { return count_ > 0; }))
+      return false;
+    --count_;
+    return true;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable isReady_;
+  int count_ = 0;
+};
+
+ReadyFrames& Frames() {
+  static ReadyFrames frames;
+  return frames;
+}
+
+bool& Waiting() {
+  static bool isWaiting = false;
+  return isWaiting;
 }
 
 class ReadyImage : public KELGENICAM::IImage {
@@ -89,7 +126,8 @@ class ReadyCamera : public KELGENICAM::ICamera {
     return 0;
   }
   bool IsGrabbing() override { return grabbing_; }
-  int Grab(KELGENICAM::IImage** image, int) override {
+  int Grab(KELGENICAM::IImage** image, int timeoutMs) override {
+    if (isWaiting_ && !Frames().Take(timeoutMs)) return KELGENICAM::RESULT_TIMEOUT;
     *image = &image_;
     return 0;
   }
@@ -105,6 +143,7 @@ class ReadyCamera : public KELGENICAM::ICamera {
   void Release() override { delete this; }
 
  private:
+  const bool isWaiting_ = Waiting();
   bool grabbing_ = false;
   ReadyImage image_;
   Holder remote_;
@@ -153,6 +192,14 @@ void SetCameraCount(std::size_t count) {
 
 void SetFrameBytes(std::size_t bytes) {
   Frame().assign(bytes, 0x5a);
+}
+
+void SetWaiting(bool isWaiting) {
+  Waiting() = isWaiting;
+}
+
+void MakeFrameReady() {
+  Frames().Put();
 }
 
 const unsigned char* FrameData() {

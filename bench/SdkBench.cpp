@@ -6,9 +6,14 @@
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <chrono>
+#include <condition_variable>
 #include <cstring>
 #include <list>
+#include <mutex>
+#include <semaphore>
+#include <thread>
 #include <vector>
 
 #include <KELGeniCam.h>
@@ -75,6 +80,110 @@ void GrabFourMebibytes(benchmark::State& state) {
   camera.Close();
 }
 BENCHMARK(GrabFourMebibytes)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(2.0);
+
+/// Notes when a handler, or whoever stands in for one, was entered.
+class Entry {
+ public:
+  void Enter() {
+    at_ = Clock::now();
+    isEntered_.release();
+  }
+  /// Waits for the entry, and returns the seconds from `start` to it.
+  double SecondsFrom(Clock::time_point start) {
+    isEntered_.acquire();
+    return std::chrono::duration<double>(at_ - start).count();
+  }
+
+ private:
+  Clock::time_point at_;
+  std::binary_semaphore isEntered_{0};
+};
+
+class EntryHandler : public ZYNSDK::IImageHandler {
+ public:
+  void OnImage(ZYNSDK::ZynCamera, ZYNSDK::ZynImage&) override { entry.Enter(); }
+  Entry entry;
+};
+
+/// The least that passes a signal to another thread: one mutex, one condition variable.
+class HandOver {
+ public:
+  HandOver() : thread_([this] { Run(); }) {}
+  HandOver(const HandOver&) = delete;
+  HandOver& operator=(const HandOver&) = delete;
+  ~HandOver() {
+    isEnding_ = true;
+    Signal();
+    thread_.join();
+  }
+  void Signal() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      ++signals_;
+    }
+    isSignalled_.notify_one();
+  }
+  Entry entry;
+
+ private:
+  void Run() {
+    for (;;) {
+      std::unique_lock<std::mutex> lock(mutex_);
+      isSignalled_.wait(lock, [&] { return signals_ > 0; });
+      --signals_;
+      if (isEnding_) return;
+      lock.unlock();
+      entry.Enter();
+    }
+  }
+  std::mutex mutex_;
+  std::condition_variable isSignalled_;
+  int signals_ = 0;
+  bool isEnding_ = false;  // written before the last signal
+  std::thread thread_;
+};
+
+double Median(std::vector<double>& seconds) {
+  const auto middle = seconds.begin() + static_cast<std::ptrdiff_t>(seconds.size() / 2);
+  std::nth_element(seconds.begin(), middle, seconds.end());
+  return *middle;
+}
+
+/// From a frame that is ready to the entry of the image handler, beside a bare hand-over to a waiting thread. The
+/// rest is the grab: borrowing the device and copying one row. Medians, because a scheduler's outliers say nothing
+/// about either.
+void DeliverToHandler(benchmark::State& state) {
+  ready::SetFrameBytes(2048);
+  ready::SetWaiting(true);
+  ZYNSDK::ZynCamera camera = OpenCamera();
+  ready::SetWaiting(false);
+  EntryHandler handler;
+  HandOver bare;
+  camera.SetGrabTimeout(50);  // how long stopping may take
+  camera.RegisterImageHandler(&handler);
+  camera.StartGrab(ZYNSDK::ZYN_GRAB_ONE_BY_ONE, 0);
+  std::vector<double> bareSeconds;
+  std::vector<double> handlerSeconds;
+  for (auto _ : state) {
+    auto start = Clock::now();
+    bare.Signal();
+    bareSeconds.push_back(bare.entry.SecondsFrom(start));
+    start = Clock::now();
+    ready::MakeFrameReady();
+    handlerSeconds.push_back(handler.entry.SecondsFrom(start));
+    state.SetIterationTime(handlerSeconds.back());
+  }
+  camera.StopGrab();
+  camera.RegisterImageHandler(nullptr);
+  camera.Close();
+  const double bareMedian = Median(bareSeconds);
+  const double handlerMedian = Median(handlerSeconds);
+  state.counters["hand_over_us"] = bareMedian * 1e6;
+  state.counters["handler_us"] = handlerMedian * 1e6;
+  state.counters["beyond_hand_over_us"] = (handlerMedian - bareMedian) * 1e6;
+  state.counters["ratio"] = handlerMedian / bareMedian;
+}
+BENCHMARK(DeliverToHandler)->UseManualTime()->Unit(benchmark::kMicrosecond)->MinTime(1.0);
 
 /// A call through a camera handle that asks the transport one question, beside the same question asked
 /// directly.
