@@ -36,6 +36,13 @@ class Metronome {
     while (!isInTick_ || allowed_ > 0) lock.Wait(changed_);
   }
 
+  /// Lets so many more ticks pass, whenever they come.
+  void Allow(unsigned int ticks) {
+    zyn::MutexLock lock(mutex_);
+    allowed_ += ticks;
+    changed_.notify_all();
+  }
+
   /// From now on no tick holds the thread.
   void RunFreely() { SetFree(true); }
   /// From now on every tick holds the thread again.

@@ -84,6 +84,21 @@ TEST_F(ScanThreadTest, StoppingWaitsForTheSearchThatRuns) {
   EXPECT_TRUE(isSearchDone);
 }
 
+// With each turn here lasting 10 milliseconds, only a test machine that stops for a second could fail by chance.
+TEST_F(ScanThreadTest, StoppingWaitsForATickNotForAWholePeriod) {
+  ScanThread thread(&manager, tick);
+  metronome.Settle();
+  auto stopping = std::async(std::launch::async, [&] { thread.Stop(); });
+  unsigned int ticks = 0;
+  do {
+    metronome.Allow(1);
+    ++ticks;
+  } while (stopping.wait_for(std::chrono::milliseconds(10)) == std::future_status::timeout &&
+           ticks < ScanThread::kTicksPerScan);
+  EXPECT_LT(ticks, 100U);
+  metronome.RunFreely();
+}
+
 TEST_F(ScanThreadTest, TheDestructorStopsAndMayFollowAStop) {
   ScanThread thread(&manager, tick);
   metronome.Settle();
