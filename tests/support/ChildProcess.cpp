@@ -60,6 +60,17 @@ void DrainBoth(int out, int err, Finished& result) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
+  Start(arguments, -1);
+}
+
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments, WithOutput) {
+  const Pipe pipe;
+  output_ = pipe.read;
+  Start(arguments, pipe.write);
+  close(pipe.write);
+}
+
+void ChildProcess::Start(const std::vector<std::string>& arguments, int output) {
   std::vector<char*> pointers = ArgumentsOf(arguments);
   const pid_t parent = getpid();
   pid_ = fork();
@@ -69,7 +80,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
   if (getppid() != parent) _exit(127);
   const int nothing = open("/dev/null", O_RDWR);
   dup2(nothing, STDIN_FILENO);
-  dup2(nothing, STDOUT_FILENO);
+  dup2(output < 0 ? nothing : output, STDOUT_FILENO);
   dup2(nothing, STDERR_FILENO);
   execvp(pointers[0], pointers.data());
   _exit(127);
@@ -77,6 +88,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
 
 ChildProcess::~ChildProcess() {
   End(SIGKILL);
+  if (output_ >= 0) close(output_);
 }
 
 bool ChildProcess::IsRunning() {
@@ -87,11 +99,26 @@ bool ChildProcess::IsRunning() {
   return false;
 }
 
-void ChildProcess::End(int signal) {
-  if (pid_ < 0) return;
+int ChildProcess::End(int signal) {
+  if (pid_ < 0) return -1;
   kill(pid_, signal);
-  WaitFor(pid_);
+  const int exitCode = WaitFor(pid_);
   pid_ = -1;
+  return exitCode;
+}
+
+std::string ChildProcess::NextLine() {
+  constexpr int kLongestWaitMs = 60'000;
+  std::size_t end = pending_.find('\n');
+  while (end == std::string::npos) {
+    pollfd descriptor{output_, POLLIN, 0};
+    if (poll(&descriptor, 1, kLongestWaitMs) <= 0) throw std::runtime_error("no line within a minute");
+    if (!Drain(output_, pending_)) throw std::runtime_error("no more lines");
+    end = pending_.find('\n');
+  }
+  std::string line = pending_.substr(0, end);
+  pending_.erase(0, end + 1);
+  return line;
 }
 
 Finished RunToEnd(const std::vector<std::string>& arguments,

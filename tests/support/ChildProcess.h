@@ -17,16 +17,28 @@ class ChildProcess {
   /// Starts arguments[0] (looked up on PATH) with its output discarded. Throws std::runtime_error when it
   /// cannot start.
   explicit ChildProcess(const std::vector<std::string>& arguments);
+  /// The same, but its standard output can be read with NextLine.
+  struct WithOutput {};
+  ChildProcess(const std::vector<std::string>& arguments, WithOutput);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   bool IsRunning();
-  /// Sends a signal and waits until the program has ended. Does nothing when it has.
-  void End(int signal);
+  /// Sends a signal and waits until the program has ended. Returns its exit code, 128 + signal when it was ended
+  /// by one, and -1 when it had ended before.
+  int End(int signal);
+
+  /// Waits for the next line that the program writes. Throws std::runtime_error when it ends without another,
+  /// or writes none for a minute.
+  std::string NextLine();
 
  private:
+  void Start(const std::vector<std::string>& arguments, int output);
+
   pid_t pid_ = -1;
+  int output_ = -1;      // to read from; -1 when the output is discarded
+  std::string pending_;  // read, but not returned yet
 };
 
 /// What a program that ran to its end left.

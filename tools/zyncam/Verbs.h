@@ -45,6 +45,9 @@ void ExecuteFeature(Console& console, const CommonOptions& common, const AccessO
 /// Returns false when the person at the terminal ended it before the last frame.
 bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions& options);
 
+/// Tells of cameras that appear and disappear until SIGINT or SIGTERM comes. With JSON one object per line.
+void WatchCameras(Console& console, const CommonOptions& common);
+
 }  // namespace zyncam
 
 #endif

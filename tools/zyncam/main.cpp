@@ -143,6 +143,17 @@ void AddGrab(CLI::App& app, CommandLine& line) {
   });
 }
 
+void AddWatch(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("watch", "Tell of cameras that appear and disappear, until Ctrl-C");
+  verb->add_flag("--json", line.common.json, "Print one JSON object per line");
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      WatchCameras(console, line.common);
+      return true;
+    };
+  });
+}
+
 int ReportFailure(Console& console, const CommandLine& line, const Failure& failure) {
   console.EndProgress();
   if (line.common.json) {
@@ -191,6 +202,7 @@ int Run(int argc, char** argv) {
   AddFeatures(app, line);
   AddAccessVerbs(app, line);
   AddGrab(app, line);
+  AddWatch(app, line);
   if (argc > 1 && argv[1][0] != '-' && !HasVerb(app, argv[1])) {
     Console::Note(std::string("zyncam: there is no verb \"") + argv[1] + "\"; 'zyncam --help' lists them");
     return kExitUsage;

@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <regex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -173,11 +175,53 @@ INSTANTIATE_TEST_SUITE_P(
                     BadCase{"ReadOnlyFeature", {"set", "PayloadSize=5"}, 4, "PayloadSize"},
                     BadCase{"SecondNameWrongWritesNothing", {"set", "Width=640", "NoSuch=1"}, 4, "NoSuch"},
                     BadCase{"UnknownMap", {"features", "-m", "moon"}, 2, "moon"},
+                    BadCase{"WatchWithAnArgument", {"watch", "GV01"}, 2, "GV01"},
                     BadCase{"NegativeCount", {"grab", "-n", "-1"}, 2, "--count"},
                     BadCase{"UnknownFormat", {"grab", "-f", "gif"}, 2, "gif"},
                     BadCase{
                         "FolderIsAFile", {"grab", "-o", "/proc/self/status/x"}, 5, "/proc/self/status/x"}),
     [](const testing::TestParamInfo<BadCase>& param) { return param.param.name; });
+
+/// The tool watching, until it is ended.
+class Watch : public Zyncam {
+ protected:
+  static constexpr const char* kTime = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}[+-]\d\d:\d\d)";
+  using ChildProcess = zyntest::ChildProcess;
+};
+
+TEST_F(Watch, TellsOfCamerasThatComeAndGoUntilItIsInterrupted) {
+  ChildProcess watch({ZYN_ZYNCAM, "watch"}, ChildProcess::WithOutput());
+  const std::string time(kTime);
+  EXPECT_TRUE(std::regex_match(watch.NextLine(),
+                               std::regex(time + "  appeared  GV01  Fake  GigE Vision  127.0.0.1")));
+  const FakeGigeCamera second(2);
+  EXPECT_TRUE(std::regex_match(watch.NextLine(),
+                               std::regex(time + "  appeared  GV02  Fake  GigE Vision  127.0.0.2")));
+  fake_->Kill();
+  EXPECT_TRUE(std::regex_match(watch.NextLine(),
+                               std::regex(time + "  gone      GV01  Fake  GigE Vision  127.0.0.1")));
+  EXPECT_EQ(watch.End(SIGINT), 0);
+}
+
+TEST_F(Watch, WritesOneJsonObjectPerLineAndEndsInOrderWhenTerminated) {
+  fake_->Kill();
+  ChildProcess watch({ZYN_ZYNCAM, "watch", "--json"}, ChildProcess::WithOutput());
+  fake_->Start();
+  const json appeared = json::parse(watch.NextLine());
+  EXPECT_TRUE(std::regex_match(appeared["time"].get<std::string>(), std::regex(kTime)));
+  EXPECT_EQ(appeared["event"], "appeared");
+  EXPECT_EQ(appeared["serialNumber"], "GV01");
+  EXPECT_EQ(appeared["address"], "127.0.0.1");
+  EXPECT_EQ(appeared["is3D"], false);
+  EXPECT_TRUE(appeared.contains("status"));
+  fake_->Kill();
+  const json gone = json::parse(watch.NextLine());
+  EXPECT_EQ(gone["event"], "gone");
+  EXPECT_EQ(gone["serialNumber"], "GV01");
+  EXPECT_FALSE(gone.contains("status")) << "nothing is known of a camera that is gone";
+  EXPECT_EQ(watch.End(SIGTERM), 0);
+  EXPECT_THROW(watch.NextLine(), std::runtime_error) << "nothing is written behind the last event";
+}
 
 TEST_F(Zyncam, FailuresAreJsonToo) {
   const json result = Json({"get", "NoSuchFeature"});
