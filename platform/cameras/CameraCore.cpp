@@ -97,6 +97,17 @@ void CameraCore::AddAcquisitionCommands() {
                     }});
 }
 
+void CameraCore::AddLineFeatures() {
+  features_.Category("DigitalIOControl", "The input lines.");
+  features_
+      .Int("LineStatusAll", "Levels of the input lines: bit 0 is Line0.",
+           std::function<std::int64_t()>(
+               [this] { return std::int64_t{lines_[0] ? 1 : 0} | std::int64_t{lines_[1] ? 2 : 0}; }))
+      .Representation("HexNumber")
+      .Expert()
+      .Volatile();
+}
+
 void CameraCore::AddTransportFeatures() {
   features_.Category("TransportLayerControl", "What the transport needs to know.");
   features_

@@ -62,6 +62,7 @@ class CameraCore {
   void AddDeviceFeatures();
   /// AcquisitionStart, AcquisitionStop.
   void AddAcquisitionCommands();
+  void AddLineFeatures();
   void AddTransportFeatures();
   void Finish(const std::string& summary);
 

@@ -3,11 +3,23 @@
 #include <array>
 
 #include "cameras/SimulatedCamera.h"
+#include "cameras/area/AreaCore.h"
 #include "cameras/laser/LaserCore.h"
 
 namespace zyn::cameras {
 
 namespace {
+
+struct AreaEntry {
+  CatalogEntry entry;
+  AreaModel model;
+};
+
+constexpr AreaEntry kAreas[] = {
+    {{"ZS-A1600", "area camera, 1600 x 1200, mono and colour, all features", false}, AreaModel{}},
+    {{"ZS-A640", "area camera, 640 x 480, older feature names: ExposureTimeAbs, GainRaw", false},
+     AreaModel{.columns = 640, .rows = 480, .hasOldNames = true}},
+};
 
 struct LaserEntry {
   CatalogEntry entry;
@@ -15,14 +27,15 @@ struct LaserEntry {
 };
 
 constexpr LaserEntry kLasers[] = {
-    {{"KEL-LP2000", "2000 points, all features", true}, LaserModel{}},
-    {{"KEL-LP1000F", "1000 points, counts the profiles of a scan as frames only", true},
+    {{"KEL-LP2000", "laser-profile camera, 2000 points, all features", true}, LaserModel{}},
+    {{"KEL-LP1000F", "laser-profile camera, 1000 points; counts the profiles of a scan as frames only", true},
      LaserModel{.columns = 1000, .hasLineCount = false}},
-    {{"VX7-2000", "2000 points, does not tell how many; counts lines only", true},
+    {{"VX7-2000", "laser-profile camera, 2000 points; does not tell how many; counts lines only", true},
      LaserModel{.hasFrameCount = false, .hasOutlineLengthMax = false}},
 };
 
-constexpr std::array kCatalog = {kLasers[0].entry, kLasers[1].entry, kLasers[2].entry};
+constexpr std::array kCatalog = {kLasers[0].entry, kLasers[1].entry, kLasers[2].entry, kAreas[0].entry,
+                                 kAreas[1].entry};
 
 Identity MakeIdentity(const CatalogEntry& entry, std::string serial) {
   Identity identity;
@@ -35,6 +48,10 @@ Identity MakeIdentity(const CatalogEntry& entry, std::string serial) {
 }
 
 std::unique_ptr<CameraCore> MakeCore(std::string_view model, std::string serial, Clock& clock) {
+  for (const AreaEntry& area : kAreas) {
+    if (area.entry.model != model) continue;
+    return std::make_unique<AreaCore>(MakeIdentity(area.entry, std::move(serial)), area.model, clock);
+  }
   for (const LaserEntry& laser : kLasers) {
     if (laser.entry.model != model) continue;
     return std::make_unique<LaserCore>(MakeIdentity(laser.entry, std::move(serial)), laser.model, clock);

@@ -18,11 +18,7 @@ constexpr double kPointPitchMm = 0.02;
 constexpr double kHighestLineRate = 20'000;
 constexpr double kHighestImageRate = 100;
 
-constexpr std::size_t kFrameStart = 0;
-constexpr std::size_t kLineStart = 1;
-enum Source : std::int64_t { kSoftware = 0, kLine0 = 1, kLine1 = 2, kEncoder0 = 3 };
 enum Mode : std::int64_t { kContinuous = 0, kSingleFrame = 1 };
-constexpr std::int64_t kRisingEdge = 0;
 
 using Computed = std::function<std::int64_t()>;
 
@@ -32,11 +28,17 @@ LaserCore::LaserCore(Identity identity, const LaserModel& model, Clock& clock)
     : CameraCore(std::move(identity), clock),
       model_(model),
       settings_{.width = model.columns},
-      userSets_(settings_) {
+      userSets_(settings_),
+      triggers_({.names = {"FrameStart", "LineStart"},
+                 .roles = {TriggerRole::series, TriggerRole::units},
+                 .tip = "FrameStart: a frame, or a scan in batches. LineStart: each profile.",
+                 .hasEncoder = true},
+                settings_.triggers, pacer_, clock) {
   AddDeviceFeatures();
   AddImageFeatures();
   AddAcquisitionFeatures();
   AddTriggerFeatures();
+  AddLineFeatures();
   AddExtractionFeatures();
   AddChunkFeatures();
   userSets_.AddFeatures(features_);
@@ -79,7 +81,8 @@ void LaserCore::AddImageFeatures() {
           0, [this] { return kSensorRows - settings_.height; }, 2)
       .Unit("px")
       .Locked();
-  f.Enum("PixelFormat", "Format of the sensor image.", {{"Mono8", kMono8}}, {&settings_.pixelFormat}).Locked();
+  f.Enum("PixelFormat", "Format of the sensor image.", {{"Mono8", kMono8}}, {&settings_.pixelFormat})
+      .Locked();
 }
 
 void LaserCore::AddAcquisitionFeatures() {
@@ -119,33 +122,13 @@ void LaserCore::AddAcquisitionFeatures() {
 }
 
 void LaserCore::AddTriggerFeatures() {
-  auto& f = features_;
-  f.Category("TriggerControl", "What starts scans and profiles.");
-  f.Selector("TriggerSelector", "FrameStart: a frame, or a scan in batches. LineStart: each profile.",
-             {"FrameStart", "LineStart"});
-  f.Enum("TriggerMode", "On: waits for a trigger.", {{"Off", 0}, {"On", 1}},
-         {&settings_.triggerMode[0], &settings_.triggerMode[1]})
-      .SelectedBy("TriggerSelector")
-      .Locked();
-  f.Enum("TriggerSource", "Where the trigger comes from.",
-         {{"Software", kSoftware}, {"Line0", kLine0}, {"Line1", kLine1}, {"Encoder0", kEncoder0}},
-         {&settings_.triggerSource[0], &settings_.triggerSource[1]})
-      .SelectedBy("TriggerSelector");
-  f.Enum("TriggerActivation", "The edge of a line that triggers.",
-         {{"RisingEdge", kRisingEdge}, {"FallingEdge", 1}},
-         {&settings_.triggerActivation[0], &settings_.triggerActivation[1]})
-      .SelectedBy("TriggerSelector");
-  f.Command("TriggerSoftware", "Triggers, where the source is Software.",
-            {[this] { return SoftwareTrigger(kFrameStart); }, [this] { return SoftwareTrigger(kLineStart); }})
-      .SelectedBy("TriggerSelector");
-  f.Int("EncoderDivider", "Steps of the encoder from one trigger to the next.", {&settings_.encoderDivider})
-      .Range(1, 10'000)
-      .Expert();
+  features_.Category("TriggerControl", "What starts scans and profiles.");
+  triggers_.AddFeatures(features_);
 }
 
 void LaserCore::AddExtractionFeatures() {
   auto& f = features_;
-  f.Category("ProfileControl", "What is made of the laser line.");
+  f.Category("ProfileControl", "What is made of the laser line.", CategoryOrigin::ownNames);
   f.Bool("EnableExtraction", "The camera finds the laser line and sends profiles.",
          {&settings_.enableExtraction})
       .Locked();
@@ -209,9 +192,9 @@ Pace LaserCore::MakePace() const {
   Pace pace;
   pace.frames = settings_.acquisitionMode == kSingleFrame ? static_cast<std::uint64_t>(framesOfScan) : 0;
   pace.framesPerSeries = static_cast<std::uint64_t>(framesOfScan);
-  pace.seriesAreTriggered = settings_.triggerMode[kFrameStart] != 0;
+  pace.seriesAreTriggered = triggers_.IsOn(TriggerRole::series);
   pace.unitsPerFrame = static_cast<std::uint64_t>(ProfilesPerFrame());
-  pace.unitsAreTriggered = settings_.triggerMode[kLineStart] != 0;
+  pace.unitsAreTriggered = triggers_.IsOn(TriggerRole::units);
   pace.unitPeriodNs = UnitPeriodNs();
   return pace;
 }
@@ -220,7 +203,7 @@ void LaserCore::OnStart() {
   nextProfile_ = 0;
   scan_ = 1;
   batchesOfScan_ = 0;
-  encoderSteps_ = 0;
+  triggers_.Restart();
 }
 
 void LaserCore::OnReset() {
@@ -272,39 +255,6 @@ void LaserCore::PlanFrame(Frame& frame, std::size_t shortenBy) {
   if (!SendsBatches() || ++batchesOfScan_ < BatchesPerScan()) return;
   batchesOfScan_ = 0;
   ++scan_;
-}
-
-RegisterStatus LaserCore::SoftwareTrigger(std::size_t selector) {
-  if (settings_.triggerSource[selector] == kSoftware) Trigger(selector, 1);
-  return RegisterStatus::ok;
-}
-
-void LaserCore::Trigger(std::size_t selector, std::uint64_t count) {
-  if (settings_.triggerMode[selector] == 0) return;
-  if (selector == kFrameStart) {
-    pacer_.TriggerSeries(NowNs());
-  } else {
-    pacer_.TriggerUnits(NowNs(), count);
-  }
-}
-
-void LaserCore::OnEdge(unsigned line, bool isRising) {
-  for (const std::size_t selector : {kFrameStart, kLineStart}) {
-    const bool isSource = settings_.triggerSource[selector] == static_cast<std::int64_t>(line) + kLine0;
-    const bool isEdge = (settings_.triggerActivation[selector] == kRisingEdge) == isRising;
-    if (isSource && isEdge) Trigger(selector, 1);
-  }
-}
-
-void LaserCore::TurnEncoder(std::uint32_t steps) {
-  encoderSteps_ += steps;
-  const auto divider = static_cast<std::uint64_t>(settings_.encoderDivider);
-  const std::uint64_t triggers = encoderSteps_ / divider;
-  encoderSteps_ %= divider;
-  if (triggers == 0) return;
-  for (const std::size_t selector : {kFrameStart, kLineStart}) {
-    if (settings_.triggerSource[selector] == kEncoder0) Trigger(selector, triggers);
-  }
 }
 
 }  // namespace zyn::cameras

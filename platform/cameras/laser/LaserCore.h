@@ -2,13 +2,13 @@
 #ifndef ZYN_CAMERAS_LASER_LASER_CORE_H
 #define ZYN_CAMERAS_LASER_LASER_CORE_H
 
-#include <array>
 #include <cstdint>
 #include <string>
 
 #include "cameras/CameraCore.h"
 #include "cameras/PixelFormats.h"
 #include "cameras/UserSets.h"
+#include "cameras/acquisition/Triggers.h"
 #include "cameras/laser/LaserPainter.h"
 
 namespace zyn::cameras {
@@ -39,10 +39,7 @@ struct LaserSettings {
   double gainDb = 0;
   std::int64_t lineRateEnable = 1;
   double lineRateHz = 1000;
-  std::array<std::int64_t, 2> triggerMode{};  // FrameStart, LineStart
-  std::array<std::int64_t, 2> triggerSource{};
-  std::array<std::int64_t, 2> triggerActivation{};
-  std::int64_t encoderDivider = 1;
+  TriggerSettings triggers{};
 };
 
 /// What a frame holds is decided by four switches:
@@ -63,13 +60,13 @@ class LaserCore final : public CameraCore {
   std::size_t PayloadSize() const override;
   FramePainter& Painter() override { return painter_; }
   void BeginNewSeries() override;
-  void TurnEncoder(std::uint32_t steps) override;
+  void TurnEncoder(std::uint32_t steps) override { triggers_.TurnEncoder(steps); }
 
  protected:
   void PlanFrame(Frame& frame, std::size_t shortenBy) override;
   Pace MakePace() const override;
   void OnStart() override;
-  void OnEdge(unsigned line, bool isRising) override;
+  void OnEdge(unsigned line, bool isRising) override { triggers_.OnEdge(line, isRising); }
   void OnReset() override;
 
  private:
@@ -86,18 +83,16 @@ class LaserCore final : public CameraCore {
   std::int64_t BatchesPerScan() const;
   std::int64_t UnitPeriodNs() const;
   double ResultingLineRate() const;
-  RegisterStatus SoftwareTrigger(std::size_t selector);
-  void Trigger(std::size_t selector, std::uint64_t count);
 
   const LaserModel model_;
   LaserSettings settings_;
   UserSets<LaserSettings> userSets_;
+  Triggers triggers_;
   LaserPainter painter_;
 
   std::int64_t nextProfile_ = 0;
   std::uint64_t scan_ = 0;          // the present one; counts from 1
   std::int64_t batchesOfScan_ = 0;  // sent of the present one
-  std::uint64_t encoderSteps_ = 0;  // since the last profile
 };
 
 }  // namespace zyn::cameras

@@ -1,5 +1,5 @@
 /// What stands before the simulated laser cameras: heights and brightness as formulas, so that every delivered value
-/// can be checked. Integers only: the same everywhere. Picture: docs/simulated-cameras.md
+/// can be checked. Integers only: the same everywhere. Picture: docs/camera-models.md
 #ifndef ZYN_CAMERAS_LASER_SCENE_H
 #define ZYN_CAMERAS_LASER_SCENE_H
 

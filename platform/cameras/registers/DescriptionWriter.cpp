@@ -118,7 +118,8 @@ void DescriptionWriter::WriteCategories() {
   for (const auto& category : table_.categories_) Line("pFeature", category.name);
   Close("Category");
   for (const auto& category : table_.categories_) {
-    Open("Category", {{"Name", category.name}, {"NameSpace", "Standard"}});
+    const bool isStandard = category.origin == CategoryOrigin::standardNames;
+    Open("Category", {{"Name", category.name}, {"NameSpace", isStandard ? "Standard" : "Custom"}});
     Line("ToolTip", category.tip);
     for (const Feature& feature : table_.features_) {
       if (feature.category_ == category.name) Line("pFeature", feature.name_);
@@ -140,7 +141,7 @@ void DescriptionWriter::WriteFeature(const Feature& feature) {
   }
   const std::string_view element = Element(feature.kind_, feature.isFloatChunk_);
   const std::string registerName = feature.name_ + "Reg";
-  Open(element, {{"Name", feature.name_}, {"NameSpace", "Standard"}});
+  Open(element, {{"Name", feature.name_}, {"NameSpace", feature.isStandard_ ? "Standard" : "Custom"}});
   WriteCommon(feature);
   const bool isWritable = (!feature.integers_.empty() && feature.integers_.front().set) ||
                           (!feature.floats_.empty() && feature.floats_.front().set);
@@ -175,7 +176,7 @@ void DescriptionWriter::WriteFeature(const Feature& feature) {
 }
 
 void DescriptionWriter::WriteRange(const Feature& feature) {
-  const std::string maximum = feature.name_ + "MaxReg";
+  const std::string maximum = feature.name_ + "LimitReg";
   if (feature.kind_ == FeatureKind::integer || feature.kind_ == FeatureKind::hostInteger) {
     if (feature.min_.Exists()) Line("Min", std::to_string(feature.min_.Get()));
     if (feature.max_.constant) Line("Max", std::to_string(*feature.max_.constant));
@@ -218,7 +219,7 @@ void DescriptionWriter::WriteRegister(const Feature& feature) {
   const std::string_view element = isText ? "StringReg" : isFloat ? "FloatReg" : "IntReg";
 
   Open(element, {{"Name", isText ? feature.name_ : feature.name_ + "Reg"},
-                 {"NameSpace", isText ? "Standard" : "Custom"}});
+                 {"NameSpace", isText && feature.isStandard_ ? "Standard" : "Custom"}});
   if (isText) WriteCommon(feature);
   if (!isText) Line("Visibility", "Invisible");
   Line("Address", Hex(feature.address_));
@@ -239,7 +240,7 @@ void DescriptionWriter::WriteRegister(const Feature& feature) {
 void DescriptionWriter::WriteMaximum(const Feature& feature) {
   if (!feature.max_.computed && !feature.floatMax_.computed) return;
   const std::string_view element = feature.kind_ == FeatureKind::floating ? "FloatReg" : "IntReg";
-  Open(element, {{"Name", feature.name_ + "MaxReg"}, {"NameSpace", "Custom"}});
+  Open(element, {{"Name", feature.name_ + "LimitReg"}, {"NameSpace", "Custom"}});
   Line("Visibility", "Invisible");
   Line("Address", Hex(feature.maxAddress_));
   Line("Length", "8");

@@ -64,6 +64,8 @@ class Feature {
   Feature& Volatile() { return Set(isVolatile_, true); }
   /// A value that identifies or measures, not a setting: left out when settings are stored.
   Feature& NotStored() { return Set(isStored_, false); }
+  /// Not one of the standard names.
+  Feature& OwnName() { return Set(isStandard_, false); }
   Feature& SelectedBy(std::string selector) { return Set(selector_, std::move(selector)); }
   /// What shows once a value was written.
   Feature& Then(std::function<void()> action) { return Set(then_, std::move(action)); }
@@ -92,6 +94,7 @@ class Feature {
   std::string visibility_ = "Beginner";
   std::string selector_;
   std::vector<Choice> choices_;  // of enumerations and selectors
+  bool isStandard_ = true;
   bool isLocked_ = false;
   bool isVolatile_ = false;
   bool isStored_ = true;

@@ -46,12 +46,13 @@ Feature& FeatureTable::Add(FeatureKind kind, std::string name, std::string tip) 
   feature.kind_ = kind;
   feature.name_ = std::move(name);
   feature.tip_ = std::move(tip);
-  feature.category_ = categories_.empty() ? "" : categories_.back().name;
+  feature.category_ = categories_.back().name;
+  feature.isStandard_ = categories_.back().origin == CategoryOrigin::standardNames;
   return feature;
 }
 
-void FeatureTable::Category(std::string name, std::string tip) {
-  categories_.push_back(CategoryRow{std::move(name), std::move(tip)});
+void FeatureTable::Category(std::string name, std::string tip, CategoryOrigin origin) {
+  categories_.push_back(CategoryRow{std::move(name), std::move(tip), origin});
 }
 
 Feature& FeatureTable::Int(std::string name, std::string tip, std::vector<Integer*> values) {

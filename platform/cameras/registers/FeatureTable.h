@@ -14,6 +14,9 @@
 
 namespace zyn::cameras {
 
+/// Whether a category's features have standard names.
+enum class CategoryOrigin { standardNames, ownNames };
+
 /// Filled once, in the order in which a user sees the features; then BuildRegisters and BuildDescription. Cells
 /// may be pointers into the camera's settings; these and everything else that the functions use must outlive the
 /// registers. Not thread-safe.
@@ -22,7 +25,7 @@ class FeatureTable {
   using Integer = std::int64_t;
 
   /// Features added from here on belong to this category.
-  void Category(std::string name, std::string tip);
+  void Category(std::string name, std::string tip, CategoryOrigin origin = CategoryOrigin::standardNames);
 
   Feature& Int(std::string name, std::string tip, std::vector<Integer*> values);
   Feature& Int(std::string name, std::string tip, std::function<Integer()> computed);  ///< read-only
@@ -66,6 +69,7 @@ class FeatureTable {
   struct CategoryRow {
     std::string name;
     std::string tip;
+    CategoryOrigin origin;
   };
   struct PortRow {
     std::string name;

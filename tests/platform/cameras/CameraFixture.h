@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -45,7 +46,11 @@ class ModelPort final : public GenApi::CPortImpl {
 class Camera {
  public:
   explicit Camera(const std::string& name) : model(MakeCamera(name, "SN1", clock)), port(*model) {
-    map._LoadXMLFromString(std::string(model->Description()).c_str());
+    try {
+      map._LoadXMLFromString(std::string(model->Description()).c_str());
+    } catch (const GenICam::GenericException& error) {
+      throw std::runtime_error(error.what());  // the test program prints its text
+    }
     map._Connect(&port);
   }
 
