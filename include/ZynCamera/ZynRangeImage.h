@@ -93,6 +93,9 @@ class ZYNSDK_API ZynRangeImage {
   long Save(const wchar_t* path, int option);
 
  private:
+  friend bool SetAllValues(ZynRangeImage& range, const void* data, int width, int height, ZynImageType type,
+                           double minValue, double maxValue);
+
   RangeImage* range_;
 };
 

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "PointRecords.h"
+#include "SetAllValues.h"
 #include "ZynCamera/ZynImage.h"
 #include "ZynCamera/ZynRangeImage.h"
 
@@ -72,9 +73,8 @@ void BatchScan::Deliver(ZynRangeImage& range, ZynImage& intensity) {
   const int width = geometry_.outlineLength;
   const int height = geometry_.lineCount;
   rows_ = 0;
-  range.SetSize(width, height, ZYN_IMAGE_U16);
+  SetAllValues(range, heights_.get(), width, height, ZYN_IMAGE_U16, geometry_.zDownSize, geometry_.zUpSize);
   range.SetInfo(kZResolution, kZOffset, geometry_.xPitch, kXOffset, kYResolution, kYOffset);
-  range.SetValue(heights_.get(), ZYN_IMAGE_U16, geometry_.zDownSize, geometry_.zUpSize, 0, height - 1);
   intensity.CreateImage(intensities_.get(), width, height, width, kChannels, ZYN_IMAGE_U8);
 }
 

@@ -77,11 +77,26 @@ void RangeImage::SetSize(int width, int height, ZynImageType type) {
 bool RangeImage::SetValue(const void* data, int type, double minValue, double maxValue, int startRow,
                           int endRow) {
   if (!data || startRow < 0 || endRow < startRow || type != type_ || endRow >= height_) return false;
-  if (minValue >= 0 && minValue < minValue_) minValue_ = minValue;
-  if (maxValue >= 0 && maxValue > maxValue_) maxValue_ = maxValue;
+  Widen(minValue, maxValue);
   const auto rows = static_cast<std::size_t>(endRow - startRow) + 1;
   std::memmove(values_.Data() + static_cast<std::size_t>(startRow) * RowBytes(), data, rows * RowBytes());
   return true;
+}
+
+bool RangeImage::SetAllValues(const void* data, int width, int height, ZynImageType type, double minValue,
+                              double maxValue) {
+  if (!data || !IsType(type) || width < 1 || height < 1) return false;
+  RecycledVector<unsigned char> values;
+  values.ResizeForOverwrite(GridBytes(width, height, BytesOf(type)));
+  std::memcpy(values.Data(), data, values.Size());
+  Take(std::move(values), width, height, type);
+  Widen(minValue, maxValue);
+  return true;
+}
+
+void RangeImage::Widen(double minValue, double maxValue) {
+  if (minValue >= 0 && minValue < minValue_) minValue_ = minValue;
+  if (maxValue >= 0 && maxValue > maxValue_) maxValue_ = maxValue;
 }
 
 void RangeImage::Clear() {

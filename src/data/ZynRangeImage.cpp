@@ -1,5 +1,6 @@
 #include "RangeImage.h"
 #include "ReleaseThenTake.h"
+#include "SetAllValues.h"
 #include "ZynCamera.h"
 
 namespace ZYNSDK {
@@ -63,6 +64,11 @@ void ZynRangeImage::SetInfo(double resolutionZ, double offsetZ, double resolutio
 bool ZynRangeImage::SetValue(void* data, int type, double minValue, double maxValue, int startRow,
                              int endRow) {
   return Made(range_).SetValue(data, type, minValue, maxValue, startRow, endRow);
+}
+
+bool SetAllValues(ZynRangeImage& range, const void* data, int width, int height, ZynImageType type,
+                  double minValue, double maxValue) {
+  return Made(range.range_).SetAllValues(data, width, height, type, minValue, maxValue);
 }
 
 void ZynRangeImage::SetColorSize(int width, int height, int channel) {

@@ -518,13 +518,19 @@ TEST_F(BatchGrab, AbsurdGeometryDeliversNothingAndTouchesNothing) {
   }
 }
 
-TEST_F(BatchGrab, AScanWithoutPointsEndsWithAnEmptyFrame) {
+TEST_F(BatchGrab, AScanWithoutPointsEndsWithAnEmptyFrameAndDeliversNothing) {
   SetGeometry(0, 4, 4);
   ASSERT_EQ(Start(), ZYN_OK);
   Deliver(1, 0, 20).chunk.claimedLength = 0;
   EXPECT_EQ(Grab(), ZYN_OK);
   EXPECT_EQ(range.Data(), nullptr);
   EXPECT_EQ(intensity.ImageData(), nullptr);
+  // Nor does it write into a range image of another shape.
+  std::vector<std::uint16_t> old(50, 777);
+  range.CreateRangeImage(old.data(), 5, 10, 10, ZYN_IMAGE_U16, 0, 1, 1, 0, 1, 0, 1, 0);
+  Deliver(1, 0, 20).chunk.claimedLength = 0;
+  EXPECT_EQ(Grab(), ZYN_OK);
+  EXPECT_EQ(Values(), old);
 }
 
 TEST_F(BatchGrab, FramesWithoutLinesNeverMakeAScan) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Handles.h"
+#include "SetAllValues.h"
 #include "ZynCamera.h"
 
 using namespace ZYNSDK;
@@ -359,6 +360,46 @@ TEST(ZynRangeImage, AMinimumOfZeroStays) {
   EXPECT_TRUE(range.SetValue(&value, ZYN_IMAGE_U8, 5, 8, 0, 0));
   EXPECT_EQ(range.MinValue(), 0.0);
   EXPECT_EQ(range.MaxValue(), 8.0);
+}
+
+TEST(SetAllValues, DoesWhatSizingAndSettingAllRowsDo) {
+  for (const auto& [type, bytes] : kElementBytes) {
+    for (const auto& [minValue, maxValue] :
+         {std::pair(3.0, 10.0), std::pair(5.0, 8.0), std::pair(-1.0, -1.0)}) {
+      Bytes data = Counting(static_cast<std::size_t>(10 * bytes));
+      ZynRangeImage expected = Small();
+      expected.SetSize(5, 2, type);
+      EXPECT_TRUE(expected.SetValue(data.data(), type, minValue, maxValue, 0, 1));
+      ZynRangeImage range = Small();
+      const ZynRangeImage sharing(range);
+      EXPECT_TRUE(SetAllValues(range, data.data(), 5, 2, type, minValue, maxValue));
+      EXPECT_EQ(StateOf(range), StateOf(expected));
+      EXPECT_EQ(Content(range), Content(expected));
+      EXPECT_EQ(sharing.Data(), range.Data());
+    }
+  }
+}
+
+TEST(SetAllValues, MakesARangeImageFirst) {
+  ZynRangeImage range;
+  Bytes data = Counting(6);
+  EXPECT_TRUE(SetAllValues(range, data.data(), 3, 2, ZYN_IMAGE_U8, 0, 7));
+  EXPECT_EQ(Content(range), data);
+  EXPECT_EQ(range.MaxValue(), 7.0);
+}
+
+TEST(SetAllValues, RefusesAndChangesNothing) {
+  unsigned char byte = 1;
+  ZynRangeImage range = Small();
+  EXPECT_FALSE(SetAllValues(range, nullptr, 1, 1, ZYN_IMAGE_U8, 0, 99));
+  EXPECT_FALSE(SetAllValues(range, &byte, 0, 1, ZYN_IMAGE_U8, 0, 99));
+  EXPECT_FALSE(SetAllValues(range, &byte, 1, 0, ZYN_IMAGE_U8, 0, 99));
+  EXPECT_FALSE(SetAllValues(range, &byte, -1, -1, ZYN_IMAGE_U8, 0, 99));
+  EXPECT_FALSE(SetAllValues(range, &byte, 1, 1, kNoType, 0, 99));
+  EXPECT_FALSE(SetAllValues(range, &byte, 1, 1, kNegativeType, 0, 99));
+  EXPECT_THROW(SetAllValues(range, &byte, 65536, 65536, ZYN_IMAGE_U8, 0, 99), std::length_error);
+  EXPECT_EQ(StateOf(range), kSmall);
+  EXPECT_EQ(Content(range), Counting(6));
 }
 
 TEST(ZynRangeImage, ReadsEveryTypeAsDouble) {
