@@ -24,10 +24,31 @@ constexpr const char* kDescription = R"(<?xml version="1.0" encoding="utf-8"?>
   SchemaMinorVersion="1" SchemaSubMinorVersion="0" MajorVersion="1" MinorVersion="0" SubMinorVersion="0"
   ProductGuid="1F3C6A72-7ACD-4F49-9C51-3D6A1D0C5B10" VersionGuid="1F3C6A72-7ACD-4F49-9C51-3D6A1D0C5B11"
   xmlns="http://www.genicam.org/GenApi/Version_1_1">
-  <Category Name="Root"><pFeature>Width</pFeature></Category>
+  <Category Name="Root"><pFeature>Width</pFeature><pFeature>AcquisitionLineCount</pFeature>
+    <pFeature>BatchNumber</pFeature><pFeature>OutlineLengthMax</pFeature><pFeature>EnableExtraction</pFeature>
+    <pFeature>EnableImage</pFeature><pFeature>EnableCalibration</pFeature><pFeature>BatchEnable</pFeature>
+    <pFeature>ZUpSizeInfo</pFeature><pFeature>ZDownSizeInfo</pFeature><pFeature>XSizeInfo</pFeature></Category>
   <Integer Name="Width"><pValue>WidthReg</pValue><Min>0</Min><Max>4096</Max></Integer>
   <IntReg Name="WidthReg"><Address>0</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
     <Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Integer Name="AcquisitionLineCount"><pValue>AcquisitionLineCountReg</pValue></Integer>
+  <IntReg Name="AcquisitionLineCountReg"><Address>4</Address><Length>4</Length><AccessMode>RW</AccessMode>
+    <pPort>Device</pPort><Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Integer Name="BatchNumber"><pValue>BatchNumberReg</pValue></Integer>
+  <IntReg Name="BatchNumberReg"><Address>8</Address><Length>4</Length><AccessMode>RW</AccessMode>
+    <pPort>Device</pPort><Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Integer Name="OutlineLengthMax"><pValue>OutlineLengthMaxReg</pValue></Integer>
+  <IntReg Name="OutlineLengthMaxReg"><Address>12</Address><Length>4</Length><AccessMode>RW</AccessMode>
+    <pPort>Device</pPort><Sign>Signed</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Boolean Name="EnableExtraction"><pValue>ModeReg</pValue></Boolean>
+  <Boolean Name="EnableImage"><pValue>ModeReg</pValue></Boolean>
+  <Boolean Name="EnableCalibration"><pValue>ModeReg</pValue></Boolean>
+  <Boolean Name="BatchEnable"><pValue>ModeReg</pValue></Boolean>
+  <IntReg Name="ModeReg"><Address>16</Address><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort>
+    <Sign>Unsigned</Sign><Endianess>LittleEndian</Endianess></IntReg>
+  <Float Name="ZUpSizeInfo"><Value>40</Value></Float>
+  <Float Name="ZDownSizeInfo"><Value>2</Value></Float>
+  <Float Name="XSizeInfo"><Value>60</Value></Float>
   <Port Name="Device"/>
 </RegisterDescription>)";
 
@@ -85,22 +106,51 @@ bool& Waiting() {
   return isWaiting;
 }
 
+Laser& LaserShape() {
+  static Laser shape;
+  return shape;
+}
+
+std::vector<unsigned char>& ScanRecords() {
+  static std::vector<unsigned char> records;
+  return records;
+}
+
+std::size_t RecordBytes(const Laser& shape, int lines) {
+  return static_cast<std::size_t>(shape.points) * static_cast<std::size_t>(lines) * 4;
+}
+
+class ReadyChunk : public KELGENICAM::IChunk {
+ public:
+  unsigned char* Data() override { return data; }
+  unsigned long long Length() override { return length; }
+  unsigned char* data = nullptr;
+  unsigned long long length = 0;
+};
+
 class ReadyImage : public KELGENICAM::IImage {
  public:
   bool IsValid() override { return true; }
   long long FrameID() override { return 1; }
   int Width() override { return kRowBytes; }
   int Height() override { return static_cast<int>(Frame().size() / kRowBytes); }
-  void Chunks(std::list<KELGENICAM::IChunk*>& chunks) override { chunks.clear(); }
+  void Chunks(std::list<KELGENICAM::IChunk*>& chunks) override {
+    chunks.clear();
+    if (chunk.data) chunks.push_back(&chunk);
+  }
   int Channels() override { return 1; }
   int Step() override { return kRowBytes; }
   unsigned char* Data() override { return Frame().data(); }
   void Release() override {}
+
+  ReadyChunk chunk;
 };
 
 class Holder : public KELGENICAM::INodeMapHolder {
  public:
-  Holder() {
+  explicit Holder(const Laser& laser) {
+    const std::array<std::int32_t, 3> geometry = {laser.linesPerScan, laser.linesPerFrame, laser.points};
+    port_.Write(geometry.data(), 4, sizeof(geometry));
     map_._LoadXMLFromString(kDescription);
     map_._Connect(&port_, "Device");
   }
@@ -113,12 +163,14 @@ class Holder : public KELGENICAM::INodeMapHolder {
 
 class ReadyCamera : public KELGENICAM::ICamera {
  public:
+  explicit ReadyCamera(const Laser& laser) : laser_(laser), remote_(laser) {}
   int Open(int) override { return 0; }
   int Close() override { return 0; }
   bool IsOpen() override { return true; }
   bool IsOnline() override { return true; }
   int StartGrabbing(KELGENICAM::GRAB_STRATEGY, int) override {
     grabbing_ = true;
+    line_ = 0;
     return 0;
   }
   int StopGrabbing() override {
@@ -128,6 +180,7 @@ class ReadyCamera : public KELGENICAM::ICamera {
   bool IsGrabbing() override { return grabbing_; }
   int Grab(KELGENICAM::IImage** image, int timeoutMs) override {
     if (isWaiting_ && !Frames().Take(timeoutMs)) return KELGENICAM::RESULT_TIMEOUT;
+    if (laser_.points != 0) NextLines();
     *image = &image_;
     return 0;
   }
@@ -143,17 +196,25 @@ class ReadyCamera : public KELGENICAM::ICamera {
   void Release() override { delete this; }
 
  private:
+  void NextLines() {
+    image_.chunk.data = ScanRecords().data() + RecordBytes(laser_, line_);
+    image_.chunk.length = RecordBytes(laser_, laser_.linesPerFrame);
+    line_ = (line_ + laser_.linesPerFrame) % laser_.linesPerScan;
+  }
+
+  const Laser laser_;
   const bool isWaiting_ = Waiting();
   bool grabbing_ = false;
+  int line_ = 0;
   ReadyImage image_;
   Holder remote_;
 };
 
 class ReadyInfo : public KELGENICAM::ICameraInfo {
  public:
-  explicit ReadyInfo(std::size_t number) {
+  ReadyInfo(char kind, const char* model, std::size_t number) : model_(model) {
     std::array<char, 24> text{};
-    std::snprintf(text.data(), text.size(), "R%04zu", number);
+    std::snprintf(text.data(), text.size(), "%c%04zu", kind, number);
     serial_ = text.data();
   }
   unsigned int ProtocolType() override { return KELGENICAM::PROTOCOL_USB3_VISION; }
@@ -161,7 +222,7 @@ class ReadyInfo : public KELGENICAM::ICameraInfo {
   const char* CameraID() override { return serial_.c_str(); }
   const char* SerialNumber() override { return serial_.c_str(); }
   const char* ManufacturerName() override { return "Bench"; }
-  const char* ModelName() override { return "Ready"; }
+  const char* ModelName() override { return model_; }
   const char* CameraName() override { return "Ready"; }
   const char* UserDefinedName() override { return ""; }
   const char* DeviceVersion() override { return "1"; }
@@ -170,12 +231,18 @@ class ReadyInfo : public KELGENICAM::ICameraInfo {
   void CopyFrom(const KELGENICAM::ICameraInfo&) override {}
 
  private:
+  const char* model_;
   std::string serial_;
 };
 
 std::vector<std::unique_ptr<ReadyInfo>>& Infos() {
   static std::vector<std::unique_ptr<ReadyInfo>> infos;
   return infos;
+}
+
+ReadyInfo& LaserInfo() {
+  static ReadyInfo info('L', "KEL-LP Ready", 0);
+  return info;
 }
 
 std::size_t& VisibleCount() {
@@ -186,7 +253,7 @@ std::size_t& VisibleCount() {
 }  // namespace
 
 void SetCameraCount(std::size_t count) {
-  while (Infos().size() < count) Infos().push_back(std::make_unique<ReadyInfo>(Infos().size()));
+  while (Infos().size() < count) Infos().push_back(std::make_unique<ReadyInfo>('R', "Ready", Infos().size()));
   VisibleCount() = count;
 }
 
@@ -206,6 +273,20 @@ const unsigned char* FrameData() {
   return Frame().data();
 }
 
+void SetLaser(const Laser& laser) {
+  LaserShape() = laser;
+  ScanRecords().resize(RecordBytes(laser, laser.linesPerScan));
+  unsigned state = 1;
+  for (unsigned char& byte : ScanRecords()) {
+    state = state * 1664525U + 1013904223U;
+    byte = static_cast<unsigned char>(state >> 24);
+  }
+}
+
+const unsigned char* Records() {
+  return ScanRecords().data();
+}
+
 }  // namespace ready
 
 namespace KELGENICAM {
@@ -219,16 +300,17 @@ int UnInit() {
 int Discovery(const char*, std::list<ICameraInfo*>& found) {
   found.clear();
   for (std::size_t i = 0; i < ready::VisibleCount(); ++i) found.push_back(ready::Infos()[i].get());
+  if (ready::LaserShape().points != 0) found.push_back(&ready::LaserInfo());
   return 0;
 }
 int DiscoveryByTLType(unsigned long, std::list<ICameraInfo*>& found) {
   return Discovery(nullptr, found);
 }
-ICamera* CreateCamera(ICameraInfo*) {
-  return new ready::ReadyCamera;
+ICamera* CreateCamera(ICameraInfo* info) {
+  return new ready::ReadyCamera(info == &ready::LaserInfo() ? ready::LaserShape() : ready::Laser());
 }
 ICamera* CreateCameraBySN(const std::string&) {
-  return new ready::ReadyCamera;
+  return new ready::ReadyCamera(ready::Laser());
 }
 int GetCLProtocols(std::list<std::string>&) {
   return 0;

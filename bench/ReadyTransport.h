@@ -22,6 +22,20 @@ void MakeFrameReady();
 /// The bytes of the frame that every grab delivers.
 const unsigned char* FrameData();
 
+/// What a 3D camera sends.
+struct Laser {
+  int points = 0;         ///< per line
+  int linesPerFrame = 0;  ///< at least 1
+  int linesPerScan = 0;   ///< a multiple of linesPerFrame
+};
+
+/// From now on a search also finds one 3D camera, "L0000", which is opened with this: its frames carry the
+/// lines of a scan, over and over from the start of the stream, beside the frame that every grab delivers.
+void SetLaser(const Laser& laser);
+
+/// The records of a whole scan, 4 bytes per point, line after line.
+const unsigned char* Records();
+
 }  // namespace ready
 
 #endif
