@@ -99,6 +99,14 @@ ZYNSDK::ZynCamera& Camera::For2DGrab() {
   return camera2D_;
 }
 
+ZYNSDK::Zyn3DCamera& Camera::For3DGrab() {
+  if (!is3D_) {
+    throw Failure(kExitFailed, Label() + " is a 2D camera, which delivers images instead of profiles",
+                  "choose a 3D laser-profile camera with -c");
+  }
+  return camera3D_;
+}
+
 GenApi_3_4::INodeMap& Camera::NodeMap(int source) {
   const auto xmlSource = static_cast<ZYNSDK::ZynXmlSource>(source);
   GenApi_3_4::INodeMap* map = is3D_ ? ZYNSDK::Get3DCameraNodeMap(&camera3D_, xmlSource)

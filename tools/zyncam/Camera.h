@@ -44,6 +44,9 @@ class Camera {
   /// The handle for 2D acquisition. Throws Failure for a 3D camera.
   ZYNSDK::ZynCamera& For2DGrab();
 
+  /// The handle for 3D acquisition. Throws Failure for a 2D camera.
+  ZYNSDK::Zyn3DCamera& For3DGrab();
+
   /// The node map of that source (0 camera, 1 local device, 2 transport layer, 3 interface, 4 data stream) of
   /// the open camera. Throws Failure when there is none.
   GenApi_3_4::INodeMap& NodeMap(int source);

@@ -1,17 +1,14 @@
 #include <GenApi/GenApi.h>
 
-#include <atomic>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
-#include <system_error>
 
 #include "Camera.h"
 #include "Failure.h"
 #include "FeatureText.h"
+#include "Interrupt.h"
+#include "OutputFile.h"
 #include "PngWriter.h"
 #include "Verbs.h"
 
@@ -21,22 +18,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kBarWidth = 30;
-
-std::atomic<bool> g_interrupted{
-    false};  // NOLINT(cppcoreguidelines-avoid-non-const-global-variables): set by a signal
-
-/// Turns the first Ctrl-C into a wish to stop, so that the stream is stopped and the camera closed in order.
-class InterruptGuard {
- public:
-  InterruptGuard() : previous_(std::signal(SIGINT, &OnSignal)) {}
-  ~InterruptGuard() { std::signal(SIGINT, previous_); }
-  InterruptGuard(const InterruptGuard&) = delete;
-  InterruptGuard& operator=(const InterruptGuard&) = delete;
-
- private:
-  static void OnSignal(int) { g_interrupted = true; }
-  void (*previous_)(int);
-};
 
 /// Stops the stream on every way out.
 class StreamGuard {
@@ -82,26 +63,6 @@ std::string PixelFormatOf(Camera& camera) {
   return node != nullptr ? ReadValue(*node).text : "";
 }
 
-void MakeFolder(const std::string& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error || !std::filesystem::is_directory(folder)) {
-    throw Failure(kExitOutput,
-                  "cannot make the folder " + folder + ": " + (error ? error.message() : "it is a file"),
-                  "choose another one with --output");
-  }
-}
-
-void WriteRaw(const std::string& path, const ZYNSDK::ZynImage& image, const unsigned char* data) {
-  std::ofstream file(path, std::ios::binary);
-  file.write(reinterpret_cast<const char*>(data),
-             static_cast<std::streamsize>(image.Step()) * image.Height());
-  file.close();
-  if (file) return;
-  std::remove(path.c_str());
-  throw Failure(kExitOutput, "cannot write " + path, "is the disk full? choose another folder with --output");
-}
-
 /// Writes frames as files in the way the options ask for.
 class FrameWriter {
  public:
@@ -118,12 +79,13 @@ class FrameWriter {
   /// Returns the path of the file, or "" when none is asked for.
   std::string Write(ZYNSDK::ZynImage& image, int number) const {
     if (options_.format == "none") return "";
-    std::string path = options_.folder + "/image_" + Number("%05.0f", number) + "." + options_.format;
+    std::string path = NumberedPath(options_.folder, "image", number, "." + options_.format);
     const unsigned char* data = image.ImageData();
     if (data == nullptr)
       throw Failure(kExitFailed, "the frame carries no image", "choose another payload on the camera");
     if (options_.format == "raw") {
-      WriteRaw(path, image, data);
+      WriteFile(path, data,
+                static_cast<std::size_t>(image.Step()) * static_cast<std::size_t>(image.Height()));
     } else {
       WritePng(path, data, image.Width(), image.Height(), static_cast<std::size_t>(image.Step()), layout_);
     }
@@ -164,13 +126,13 @@ void GrabLoop(Console& console, ZYNSDK::ZynCamera& camera, const GrabOptions& op
               const FrameWriter& writer, Outcome& outcome) {
   const auto start = Clock::now();
   ZYNSDK::ZynImage image;
-  while (!g_interrupted && (options.count == 0 || outcome.delivered < options.count)) {
+  while (!IsInterrupted() && (options.count == 0 || outcome.delivered < options.count)) {
     const long status = camera.GrabImage(&image, nullptr);
     if (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME) {
       ++outcome.incomplete;
       continue;
     }
-    if (g_interrupted) break;
+    if (IsInterrupted()) break;
     if (status != 0) {
       throw Failure::OfStatus("grab failed after " + std::to_string(outcome.delivered) + " frames", status);
     }
@@ -207,7 +169,7 @@ bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions
   }
   console.EndProgress();
   Report(console, common, options, outcome);
-  return !g_interrupted;
+  return !IsInterrupted();
 }
 
 }  // namespace zyncam

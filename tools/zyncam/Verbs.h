@@ -35,6 +35,18 @@ struct GrabOptions {
   int timeoutMs = 5000;        ///< per frame
 };
 
+struct ProfileOptions {
+  int count = 1;             ///< profiles; 0 until interrupted
+  std::string folder = ".";  ///< where the files go; made when missing
+  int timeoutMs = 5000;      ///< per profile
+};
+
+struct ScanOptions {
+  int lines = 0;             ///< profiles per scan; 0: as the camera is set
+  std::string folder = ".";  ///< where the files go; made when missing
+  int timeoutMs = 5000;      ///< per frame of the scan
+};
+
 void ListCameras(Console& console, const CommonOptions& common);
 void ShowInfo(Console& console, const CommonOptions& common);
 void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options);
@@ -47,6 +59,12 @@ bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions
 
 /// Tells of cameras that appear and disappear until SIGINT or SIGTERM comes. With JSON one object per line.
 void WatchCameras(Console& console, const CommonOptions& common);
+
+/// The same for the profiles of a 3D camera.
+bool GrabProfiles(Console& console, const CommonOptions& common, const ProfileOptions& options);
+
+/// Grabs one scan of a 3D camera. Returns false when it was interrupted.
+bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& options);
 
 }  // namespace zyncam
 

@@ -34,6 +34,8 @@ struct CommandLine {
   FeaturesOptions features;
   AccessOptions access;
   GrabOptions grab;
+  ProfileOptions profile;
+  ScanOptions scan;
   bool showTrace = false;
   bool simulate = false;
   std::function<bool(Console&)> verb;  ///< returns false when it was interrupted
@@ -143,6 +145,36 @@ void AddGrab(CLI::App& app, CommandLine& line) {
   });
 }
 
+void AddProfile(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("profile", "Grab profiles of a 3D camera: a table and a plot of each");
+  AddCamera(verb, line);
+  verb->add_option("-n,--count", line.profile.count, "How many profiles (1); 0 until Ctrl-C")
+      ->check(CLI::Range(0, 100000000));
+  verb->add_option("-o,--output", line.profile.folder, "Folder for the files, made when missing (this one)");
+  verb->add_option("-t,--timeout", line.profile.timeoutMs,
+                   "How long to wait for each profile, in milliseconds (5000)")
+      ->check(CLI::Range(1, 3600000));
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) { return GrabProfiles(console, line.common, line.profile); };
+  });
+}
+
+void AddScan(CLI::App& app, CommandLine& line) {
+  CLI::App* verb =
+      app.add_subcommand("scan", "Grab a scan of a 3D camera: height map, coloured picture and point cloud");
+  AddCamera(verb, line);
+  verb->add_option("-l,--lines", line.scan.lines,
+                   "Profiles per scan, rounded up to a multiple of 100 (as the camera is set)")
+      ->check(CLI::Range(1, 65500));
+  verb->add_option("-o,--output", line.scan.folder, "Folder for the files, made when missing (this one)");
+  verb->add_option("-t,--timeout", line.scan.timeoutMs,
+                   "How long to wait for each part of the scan, in milliseconds (5000)")
+      ->check(CLI::Range(1, 3600000));
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) { return GrabScan(console, line.common, line.scan); };
+  });
+}
+
 void AddWatch(CLI::App& app, CommandLine& line) {
   CLI::App* verb = app.add_subcommand("watch", "Tell of cameras that appear and disappear, until Ctrl-C");
   verb->add_flag("--json", line.common.json, "Print one JSON object per line");
@@ -202,6 +234,8 @@ int Run(int argc, char** argv) {
   AddFeatures(app, line);
   AddAccessVerbs(app, line);
   AddGrab(app, line);
+  AddProfile(app, line);
+  AddScan(app, line);
   AddWatch(app, line);
   if (argc > 1 && argv[1][0] != '-' && !HasVerb(app, argv[1])) {
     Console::Note(std::string("zyncam: there is no verb \"") + argv[1] + "\"; 'zyncam --help' lists them");

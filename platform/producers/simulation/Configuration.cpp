@@ -1,6 +1,7 @@
 #include "Configuration.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -15,7 +16,7 @@ using nlohmann::json;
 constexpr const char* kVariable = "ZYN_SIMULATOR_CONFIG";
 constexpr std::size_t kMostCameras = 10000;
 constexpr std::size_t kLongestText = 15;  // the fields of GigE Vision take 16 bytes with the final zero
-constexpr std::size_t kMostBytes = 16 * 1024 * 1024;
+constexpr std::size_t kMostBytes = std::size_t{16} << 20U;
 
 [[noreturn]] void Fail(const std::string& where, const std::string& what) {
   throw ConfigurationError(where + ": " + what);
@@ -90,6 +91,13 @@ std::size_t Count(const json& value, const std::string& where) {
   return value.get<std::size_t>();
 }
 
+// "SIM0001" and on.
+std::string AutomaticSerial(std::size_t number) {
+  char text[32];
+  std::snprintf(text, sizeof text, "SIM%04zu", number);
+  return text;
+}
+
 /// Reads the list of cameras.
 class CameraList {
  public:
@@ -115,9 +123,7 @@ class CameraList {
     std::size_t number = 0;
     for (CameraSetting& camera : cameras_) {
       while (camera.serial.empty()) {
-        const std::string digits = std::to_string(++number);
-        const std::string serial =
-            "SIM" + std::string(digits.size() < 4 ? 4 - digits.size() : 0, '0') + digits;
+        const std::string serial = AutomaticSerial(++number);
         if (serials_.insert(serial).second) camera.serial = serial;
       }
     }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -12,10 +13,12 @@
 
 #include "ChildProcess.h"
 #include "PrivateNetwork.h"
+#include "cameras/laser/Scene.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+namespace scene = zyn::cameras::scene;
 using nlohmann::json;
 using zyntest::Finished;
 
@@ -83,6 +86,82 @@ TEST_F(ZyncamSimulate, ReadsAndWritesFeatures) {
   EXPECT_EQ(set.out, "BatchNumber=37\n");
   EXPECT_EQ(Run({"--simulate", "get", "DeviceUserID"}).out, "left\n");
   EXPECT_EQ(Run({"--simulate", "get", "-m", "interface", "SimCameraPlugged"}).exitCode, 0);
+}
+
+TEST_F(ZyncamSimulate, ProfileWritesTheScenesHeightsAsATableAndAPlot) {
+  Configure(kOne);
+  const Finished result =
+      Run({"--simulate", "profile", "-n", "2", "-o", (folder_ / "out").string(), "--json"});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  const json report = json::parse(result.out, nullptr, false);
+  EXPECT_EQ(report["profiles"], 2);
+  EXPECT_EQ(report["points"], 2000);
+  EXPECT_EQ(report["files"].size(), 4U);
+  std::ifstream table(folder_ / "out" / "profile_00002.csv");
+  std::string line;
+  std::getline(table, line);
+  EXPECT_EQ(line, "point,x_mm,z_mm,height,intensity");
+  int wrong = 0;
+  int points = 0;
+  for (; std::getline(table, line); ++points) {
+    int point = -1, height = -1, intensity = -1;
+    double x = -1, z = -1;
+    ASSERT_EQ(std::sscanf(line.c_str(), "%d,%lf,%lf,%d,%d", &point, &x, &z, &height, &intensity), 5) << line;
+    const int truth = scene::SceneHeight(1, points);
+    const bool isRight =
+        point == points && height == truth && intensity == scene::SceneIntensity(1, points) &&
+        std::abs(z - (truth - scene::kZero) / 1000.0) < 1e-4 && std::abs(x - points * 0.02) < 1e-3;
+    if (!isRight) ++wrong;
+  }
+  EXPECT_EQ(points, 2000);
+  EXPECT_EQ(wrong, 0);
+  EXPECT_GT(fs::file_size(folder_ / "out" / "profile_00002.png"), 100U);
+}
+
+TEST_F(ZyncamSimulate, ScanWritesHeightMapScalePictureAndPointCloud) {
+  Configure(kOne);
+  const Finished result = Run({"--simulate", "scan", "-l", "200", "-o", folder_.string(), "--json"});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  const json report = json::parse(result.out, nullptr, false);
+  EXPECT_EQ(report["width"], 2000);
+  EXPECT_EQ(report["height"], 200);
+  EXPECT_EQ(report["files"].size(), 4U);
+  std::ifstream sidecar(folder_ / "scan.json");
+  const json scale = json::parse(sidecar, nullptr, false);
+  EXPECT_EQ(scale["z"]["resolution"], 0.001);
+  EXPECT_EQ(scale["z"]["offset"], 32768.0);
+  EXPECT_EQ(scale["y"]["resolution"], 0.02);
+  EXPECT_EQ(fs::file_size(folder_ / "scan_colours.png") > 100, true);
+
+  std::ifstream cloud(folder_ / "scan.ply", std::ios::binary);
+  std::string line;
+  while (std::getline(cloud, line) && line != "end_header") {
+    if (line.rfind("element vertex", 0) == 0) {
+      EXPECT_EQ(line, "element vertex 400000");
+    }
+  }
+  int wrong = 0;
+  for (int i = 0; i < 400000; ++i) {
+    float position[3] = {};
+    char intensity = 0;
+    cloud.read(reinterpret_cast<char*>(position), sizeof position);
+    cloud.read(&intensity, 1);
+    const int row = i / 2000;
+    const int point = i % 2000;
+    const double truth = (scene::SceneHeight(row, point) - scene::kZero) / 1000.0;
+    const bool isRight = std::abs(position[0] - point * 0.02) < 1e-3 &&
+                         std::abs(position[1] - row * 0.02) < 1e-3 && std::abs(position[2] - truth) < 1e-4 &&
+                         static_cast<unsigned char>(intensity) == scene::SceneIntensity(row, point);
+    if (!isRight) ++wrong;
+  }
+  EXPECT_TRUE(cloud.good());
+  EXPECT_EQ(cloud.peek(), std::char_traits<char>::eof());
+  EXPECT_EQ(wrong, 0);
+}
+
+TEST_F(ZyncamSimulate, VerbsForImagesRefuseCamerasForProfiles) {
+  Configure(kOne);
+  EXPECT_EQ(Run({"--simulate", "grab"}).exitCode, 1) << "a 3D camera has no images for this verb";
 }
 
 TEST_F(ZyncamSimulate, TellsWhatIsWrongWithAConfiguration) {
