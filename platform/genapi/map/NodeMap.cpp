@@ -68,6 +68,7 @@ uint64_t NodeMap::GetNumNodes() const {
 
 const std::vector<NodeId>& NodeMap::Closure(NodeId id) const {
   if (closures_[id]) return *closures_[id];
+  constexpr std::size_t kLarge = 4096;
   auto closure = std::make_unique<std::vector<NodeId>>(1, id);
   std::vector<bool> seen(nodes_.size(), false);
   seen[id] = true;
@@ -77,6 +78,10 @@ const std::vector<NodeId>& NodeMap::Closure(NodeId id) const {
       seen[next] = true;
       closure->push_back(next);
     }
+  }
+  if (closure->size() > kLarge) {
+    largeClosure_.swap(*closure);
+    return largeClosure_;
   }
   closures_[id] = std::move(closure);
   return *closures_[id];
@@ -107,6 +112,7 @@ void NodeMap::Poll(int64_t ElapsedTime) {
   std::vector<CNodeCallback*> callbacks;
   {
     const AutoLock lock(lock_);
+    evaluations_ = 0;
     std::vector<NodeId> due;
     for (std::size_t i = 0; i < description_->polled.size(); ++i) {
       Node& node = At(description_->polled[i]);
@@ -169,8 +175,11 @@ bool NodeMap::IsRegistered(CNodeCallback* callback) const {
 }
 
 void NodeMap::FireInside(const std::vector<CNodeCallback*>& callbacks) const {
-  for (CNodeCallback* const callback : callbacks)
-    if (IsRegistered(callback)) (*callback)(cbPostInsideLock);
+  for (CNodeCallback* const callback : callbacks) {
+    if (!IsRegistered(callback)) continue;
+    evaluations_ = 0;
+    (*callback)(cbPostInsideLock);
+  }
 }
 
 void NodeMap::FireOutside(const std::vector<CNodeCallback*>& callbacks) const {
@@ -315,6 +324,7 @@ std::string NodeMap::EntryPoint() const {
 Call::Call(const Node& node, const char* method) : map_(node.Map()) {
   map_.lock_.Lock();
   if (map_.callDepth_++ > 0) return;
+  map_.evaluations_ = 0;
   map_.entryNode_ = &node;
   map_.entryMethod_ = method;
 }
@@ -326,9 +336,14 @@ Call::~Call() {
 
 DepthGuard::DepthGuard(const Node& node) : map_(node.Map()) {
   constexpr int kMaxDepth = 128;
+  constexpr int kMaxEvaluations = 1'000'000;
   if (map_.evaluationDepth_ >= kMaxDepth)
     node.Throw<GENICAM_NAMESPACE::RuntimeException>("RuntimeException",
                                                     "Nodes read through each other too deeply at %s",
+                                                    map_.Facts().Label(node.Id()).c_str());
+  if (++map_.evaluations_ > kMaxEvaluations)
+    node.Throw<GENICAM_NAMESPACE::RuntimeException>("RuntimeException",
+                                                    "Nodes read through each other too much at %s",
                                                     map_.Facts().Label(node.Id()).c_str());
   ++map_.evaluationDepth_;
 }
@@ -340,6 +355,7 @@ WriteCall::WriteCall(Node& node, const char* method)
       }()) {
   map_.write_ = this;
   if (map_.callDepth_++ > 0) return;
+  map_.evaluations_ = 0;
   map_.entryNode_ = &node;
   map_.entryMethod_ = method;
 }

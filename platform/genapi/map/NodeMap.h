@@ -72,7 +72,8 @@ class NodeMap final : public INodeMap,
   /// Null when the node was never asked for: then it has no state either.
   Node* Existing(NodeId id) const { return nodes_[id].get(); }
 
-  /// The node, and everything that changes with it, directly or not. Worked out once per node.
+  /// The node, and everything that changes with it, directly or not. Worked out once per node; a very large one each
+  /// time, because all of them together would grow with the square of the nodes. Holds until the next call.
   const std::vector<NodeId>& Closure(NodeId id) const;
 
   /// Forgets the state of the node and of everything that changes with it.
@@ -107,10 +108,12 @@ class NodeMap final : public INodeMap,
   // Guarded by lock_, which is the client's type and carries no annotation.
   mutable std::vector<std::unique_ptr<Node>> nodes_;
   mutable std::vector<std::unique_ptr<std::vector<NodeId>>> closures_;
+  mutable std::vector<NodeId> largeClosure_;
   mutable const Node* entryNode_ = nullptr;
   mutable const char* entryMethod_ = nullptr;
   mutable int callDepth_ = 0;
   mutable int evaluationDepth_ = 0;
+  mutable int evaluations_ = 0;
   mutable int callbackCount_ = 0;
   mutable WriteCall* write_ = nullptr;
   mutable ECallbackSuppressMode suppress_ = csmOff;
@@ -134,7 +137,8 @@ class Call {
   NodeMap& map_;
 };
 
-/// Bounds how deep nodes may read through each other, so that no description exhausts the stack.
+/// Bounds how deep nodes may read through each other, so that no description exhausts the stack, and how often within
+/// one call: where nothing is remembered, the work may double with every level.
 class DepthGuard {
  public:
   explicit DepthGuard(const Node& node);

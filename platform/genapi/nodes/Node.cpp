@@ -10,10 +10,6 @@
 namespace zyn::genapi {
 namespace {
 
-void AppendUnique(NodeList_t& list, INode* node) {
-  if (std::find(list.begin(), list.end(), node) == list.end()) list.push_back(node);
-}
-
 bool IsCondition(Element element) {
   return element == Element::pIsImplemented || element == Element::pIsAvailable ||
          element == Element::pIsLocked;
@@ -357,12 +353,12 @@ INode* Node::GetCastAlias() const {
 
 void Node::CollectTerminals(std::vector<NodeId>& terminals) const {
   std::vector<NodeId> waiting{id_};
-  std::vector<NodeId> seen;
+  std::vector<bool> seen(map_.Facts().nodes.size(), false);
   while (!waiting.empty()) {
     const NodeId id = waiting.back();
     waiting.pop_back();
-    if (std::find(seen.begin(), seen.end(), id) != seen.end()) continue;
-    seen.push_back(id);
+    if (seen[id]) continue;
+    seen[id] = true;
     bool isTerminal = true;
     for (const Property& property : map_.Facts().Properties(id)) {
       if (!IsWritingLink(property.element)) continue;
@@ -388,16 +384,22 @@ void Node::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
       if (id != id_) Children.push_back(&At(id));
     return;
   }
+  std::vector<bool> seen(map_.Facts().nodes.size(), false);
+  const auto add = [&](NodeId id) {
+    if (id == kNoNode || seen[id]) return;
+    seen[id] = true;
+    Children.push_back(&At(id));
+  };
   for (const Property& property : Properties()) {
     const bool isReading = IsReadingLink(property.element) || property.element == Element::enumEntry;
     bool belongs = isReading;
     if (LinkType == ctWritingChildren) belongs = IsWritingLink(property.element);
     if (LinkType == ctInvalidatingChildren) belongs = isReading || property.element == Element::pInvalidator;
     if (LinkType == ctValueChangingChildren) belongs = isReading && !IsCondition(property.element);
-    if (belongs && property.Target() != kNoNode) AppendUnique(Children, &At(property.Target()));
+    if (belongs) add(property.Target());
   }
   if (LinkType != ctInvalidatingChildren) return;
-  for (const NodeId id : map_.Facts().selectedBy.Of(id_)) AppendUnique(Children, &At(id));
+  for (const NodeId id : map_.Facts().selectedBy.Of(id_)) add(id);
 }
 
 void Node::GetParents(NodeList_t& Parents) const {

@@ -84,6 +84,9 @@ void NodeFormula<T>::Compile() {
   try {
     for (std::size_t i = 0; i < expressions_.size(); ++i) ExpressionProgram(i);
     program_ = formula::Compile<T>(owner_.Text(element_), *this);
+    variablesByName_ = {};
+    expressionsByName_ = {};
+    entriesByName_ = {};
   } catch (const formula::FormulaError& error) {
     Fail(error.what());
   }
@@ -93,6 +96,8 @@ template <class T>
 void NodeFormula<T>::CollectNames() {
   variables_.clear();
   expressions_.clear();
+  variablesByName_.clear();
+  expressionsByName_.clear();
   if (!inputName_.empty()) variables_.push_back({inputName_, What::input, kNoNode, kNoNode, T{}});
   for (const Property& property : owner_.Properties()) {
     const std::string_view name = owner_.Map().Facts().Text(property.attribute);
@@ -105,10 +110,12 @@ void NodeFormula<T>::CollectNames() {
     if (property.element == Element::expression)
       expressions_.push_back({name, owner_.Map().Facts().Text(property.text), std::nullopt});
   }
+  for (std::uint32_t i = 0; i < variables_.size(); ++i) variablesByName_.emplace(variables_[i].name, i);
+  for (std::uint32_t i = 0; i < expressions_.size(); ++i) expressionsByName_.emplace(expressions_[i].name, i);
 }
 
 template <class T>
-typename NodeFormula<T>::Variable NodeFormula<T>::MakeVariable(const Property& property) const {
+typename NodeFormula<T>::Variable NodeFormula<T>::MakeVariable(const Property& property) {
   const std::string_view name = owner_.Map().Facts().Text(property.attribute);
   Variable variable{name, What::value, property.Target(), kNoNode, T{}};
   if (EndsWith(name, ".Min")) variable.what = What::min;
@@ -126,13 +133,18 @@ typename NodeFormula<T>::Variable NodeFormula<T>::MakeVariable(const Property& p
 }
 
 template <class T>
-NodeId NodeFormula<T>::FindEntry(NodeId enumeration, std::string_view symbolic) const {
+NodeId NodeFormula<T>::FindEntry(NodeId enumeration, std::string_view symbolic) {
   const Description& facts = owner_.Map().Facts();
-  for (const Property& property : facts.Properties(enumeration)) {
-    if (property.element != Element::enumEntry) continue;
-    const Property* const own = facts.Find(property.Target(), Element::symbolic);
-    if (symbolic == facts.Text(own ? own->text : property.attribute)) return property.Target();
+  const auto [entries, isNew] = entriesByName_.try_emplace(enumeration);
+  if (isNew) {
+    for (const Property& property : facts.Properties(enumeration)) {
+      if (property.element != Element::enumEntry) continue;
+      const Property* const own = facts.Find(property.Target(), Element::symbolic);
+      entries->second.emplace(facts.Text(own ? own->text : property.attribute), property.Target());
+    }
   }
+  const auto found = entries->second.find(symbolic);
+  if (found != entries->second.end()) return found->second;
   owner_.Throw<GENICAM_NAMESPACE::LogicalErrorException>(
       "LogicalErrorException", "Enumeration %s has no entry '%s'", facts.Label(enumeration).c_str(),
       std::string(symbolic).c_str());
@@ -140,16 +152,16 @@ NodeId NodeFormula<T>::FindEntry(NodeId enumeration, std::string_view symbolic) 
 
 template <class T>
 std::optional<formula::Symbol> NodeFormula<T>::Find(std::string_view name) const {
-  for (std::size_t i = 0; i < variables_.size(); ++i) {
-    std::string_view own = variables_[i].name;
-    if (own == name) return formula::Symbol{formula::Op::variable, static_cast<std::uint32_t>(i)};
-    const bool isPlain = variables_[i].what == What::value;
-    if (isPlain && EndsWith(name, ".Value") && name.substr(0, name.size() - 6) == own)
-      return formula::Symbol{formula::Op::variable, static_cast<std::uint32_t>(i)};
+  constexpr std::string_view kValue = ".Value";
+  if (const auto found = variablesByName_.find(name); found != variablesByName_.end())
+    return formula::Symbol{formula::Op::variable, found->second};
+  if (EndsWith(name, kValue)) {
+    const auto found = variablesByName_.find(name.substr(0, name.size() - kValue.size()));
+    if (found != variablesByName_.end() && variables_[found->second].what == What::value)
+      return formula::Symbol{formula::Op::variable, found->second};
   }
-  for (std::size_t i = 0; i < expressions_.size(); ++i)
-    if (expressions_[i].name == name)
-      return formula::Symbol{formula::Op::expression, static_cast<std::uint32_t>(i)};
+  if (const auto found = expressionsByName_.find(name); found != expressionsByName_.end())
+    return formula::Symbol{formula::Op::expression, found->second};
   return std::nullopt;
 }
 

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "formula/Compiler.h"
@@ -59,8 +60,8 @@ class NodeFormula final : private formula::Names {
 
   std::optional<formula::Symbol> Find(std::string_view name) const override;
   void CollectNames();
-  Variable MakeVariable(const Property& property) const;
-  NodeId FindEntry(NodeId enumeration, std::string_view symbolic) const;
+  Variable MakeVariable(const Property& property);
+  NodeId FindEntry(NodeId enumeration, std::string_view symbolic);
   const formula::Program<T>& ExpressionProgram(std::size_t index);
   T Read(const Variable& variable, T input, ReadMode read) const;
   [[noreturn]] void Fail(const char* message) const;
@@ -70,6 +71,11 @@ class NodeFormula final : private formula::Names {
   const std::string_view inputName_;
   std::vector<Variable> variables_;
   std::vector<Expression> expressions_;
+  // Only while compiling. Of several with one name the first holds.
+  using Index = std::unordered_map<std::string_view, std::uint32_t>;
+  Index variablesByName_;
+  Index expressionsByName_;
+  std::unordered_map<NodeId, Index> entriesByName_;
   std::optional<formula::Program<T>> program_;
 };
 

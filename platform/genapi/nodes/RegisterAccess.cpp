@@ -7,14 +7,26 @@
 namespace zyn::genapi {
 namespace {
 
-constexpr std::int64_t kMaxLength = std::int64_t{64} << 20;
+// As text a register takes several times its length.
+constexpr std::int64_t kMaxLength = std::int64_t{16} << 20;
 
-std::int64_t Add(std::int64_t a, std::int64_t b) {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+// Parts may be negative, so an address counts as a signed number of 64 bits.
+[[noreturn]] void ThrowBeyond(const Node& owner, const Property& property) {
+  owner.Throw<GENICAM_NAMESPACE::OutOfRangeException>(
+      "OutOfRangeException", "The address lies beyond 64 bits with element %s at line %u.",
+      XmlName(property.element), property.line);
 }
 
-std::int64_t Multiply(std::int64_t a, std::int64_t b) {
-  return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) * static_cast<std::uint64_t>(b));
+std::int64_t Add(const Node& owner, const Property& property, std::int64_t a, std::int64_t b) {
+  std::int64_t sum = 0;
+  if (__builtin_add_overflow(a, b, &sum)) ThrowBeyond(owner, property);
+  return sum;
+}
+
+std::int64_t Multiply(const Node& owner, const Property& property, std::int64_t a, std::int64_t b) {
+  std::int64_t product = 0;
+  if (__builtin_mul_overflow(a, b, &product)) ThrowBeyond(owner, property);
+  return product;
 }
 
 }  // namespace
@@ -45,14 +57,15 @@ std::int64_t RegisterAccess::Address() {
     const Property& property = properties[i];
     switch (property.element) {
       case Element::address:
-        sum = Add(sum, property.number);
+        sum = Add(owner_, property, sum, property.number);
         break;
       case Element::pAddress:
       case Element::intSwissKnife:
-        sum = Add(sum, owner_.At(property.Target()).IntegerValue({}));
+        sum = Add(owner_, property, sum, owner_.At(property.Target()).IntegerValue({}));
         break;
       case Element::pIndex:
-        sum = Add(sum, Multiply(owner_.At(property.Target()).IntegerValue({}), IndexFactor(i)));
+        sum = Add(owner_, property, sum,
+                  Multiply(owner_, property, owner_.At(property.Target()).IntegerValue({}), IndexFactor(i)));
         break;
       default:
         break;

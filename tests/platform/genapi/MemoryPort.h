@@ -41,7 +41,8 @@ class MemoryPort : public GenApi::CPortImpl {
  private:
   void Check(int64_t address, int64_t length) const {
     if (fails) throw TIMEOUT_EXCEPTION("The device does not answer");
-    if (address < 0 || length < 0 || address + length > static_cast<int64_t>(bytes.size()))
+    const auto size = static_cast<int64_t>(bytes.size());
+    if (address < 0 || length < 0 || address > size || length > size - address)
       throw RUNTIME_EXCEPTION("Address %lld is outside the device", static_cast<long long>(address));
   }
 };
