@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and shows the library at work on two fake GigE Vision cameras.
-# The cameras live in a private network namespace: nothing is sent on a real network adapter.
+# Installs what is missing, builds, and shows the library at work on two fake GigE Vision cameras and a simulated laser
+# camera. The GigE cameras live in a private network namespace: nothing is sent on a real network adapter.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,9 +10,9 @@ zyncam=build/release/bin/zyncam
 prepare() {
   scripts/install-deps.sh
   mkdir -p "$out"
-  rm -f "$out"/*.png
+  rm -f "$out"/*.png "$out"/scan*
   echo "Building (log: $out/build.log) ..."
-  if ! { cmake --preset release && cmake --build --preset release --target zyncam zyn_producer_aravis; } >"$out/build.log" 2>&1; then
+  if ! { cmake --preset release && cmake --build --preset release --target zyncam zyn_producer_aravis zyn-scene-check; } >"$out/build.log" 2>&1; then
     tail -n 30 "$out/build.log" >&2
     exit 1
   fi
@@ -51,6 +51,9 @@ show() {
   echo "GV01 is now:      $("$zyncam" set -c GV01 ExposureTime=5000 Width=640 Height=480 | paste -sd' ')"
   echo "GV01 grabbed:     $("$zyncam" grab -c GV01 -n 20 -o "$out" 2>/dev/null)"
   echo "Look at it:       $out/image_00001.png"
+  echo "SIM0001 scanned:  $("$zyncam" --simulate scan -c SIM0001 --lines 1000 -o "$out" 2>/dev/null)"
+  echo "  largest difference from the formula of its scene: $(build/release/bin/zyn-scene-check "$out/scan.png") raw units"
+  echo "Look at it:       $out/scan_colours.png, $out/scan.ply"
 }
 
 if [[ ${1:-} == --inside-namespace ]]; then

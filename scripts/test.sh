@@ -43,7 +43,7 @@ check_demo() {
   scripts/demo.sh | tee build/demo.txt
   lines=$(wc -l <build/demo.txt)
   images=$(find build/demo -name '*.png' | wc -l)
-  [[ $lines -lt 15 && $images -eq 20 ]] || { echo "the demo wrote $lines lines and $images images" >&2; exit 1; }
+  [[ $lines -lt 15 && $images -eq 22 ]] || { echo "the demo wrote $lines lines and $images images" >&2; exit 1; }
   [[ $(pgrep -c -f arv-fake-gv-camera || true) -le $before ]] || { echo "the demo left a camera running" >&2; exit 1; }
 }
 
