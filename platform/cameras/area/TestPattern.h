@@ -59,7 +59,7 @@ constexpr int Scene(std::uint64_t x, std::uint64_t y, ColorChannel channel) {
   const std::int64_t dx = static_cast<std::int64_t>(x) - 320;
   const std::int64_t dy = static_cast<std::int64_t>(y) - 240;
   const int phase = channel == ColorChannel::grey ? 0 : static_cast<int>(channel) * 40;
-  const int ring = static_cast<int>((dx * dx + dy * dy) / 128 % 256);
+  const int ring = static_cast<int>(static_cast<std::uint64_t>(dx * dx + dy * dy) / 128 % 256);
   const int wave = (ring + phase) % 256;
   return 256 + (wave < 128 ? wave : 255 - wave) * 257;
 }
@@ -98,8 +98,9 @@ constexpr int PatternLevel(TestPattern pattern, std::uint64_t x, std::uint64_t y
     case TestPattern::off:
       break;
   }
-  const std::int64_t level = pattern::Scene(x, y, channel) * brightness / 256;
-  return static_cast<int>(std::min<std::int64_t>(level, pattern::kWhite));
+  const auto light = static_cast<std::uint64_t>(pattern::Scene(x, y, channel));
+  const std::uint64_t level = light * static_cast<std::uint64_t>(brightness) / 256;
+  return static_cast<int>(std::min<std::uint64_t>(level, pattern::kWhite));
 }
 
 /// The colour that a pixel of a BayerRG sensor sees.
