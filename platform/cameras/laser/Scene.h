@@ -35,7 +35,7 @@ constexpr bool IsWithin(std::int64_t value, std::int64_t first, std::int64_t beh
 // A cap of a paraboloid: 12 mm high, 240 profiles and 240 points in radius.
 constexpr int Dome(std::int64_t row, std::int64_t point) {
   const std::int64_t distance = Square(row - 500) + Square(point - 520);
-  constexpr std::int64_t kRadius = 240 * 240;
+  constexpr std::int64_t kRadius = std::int64_t{240} * 240;
   return distance >= kRadius ? 0 : static_cast<int>(12000 * (kRadius - distance) / kRadius);
 }
 

@@ -25,6 +25,7 @@ Cell<Value> CellOf(Value* value) {
 template <class Value>
 std::vector<Cell<Value>> CellsOf(const std::vector<Value*>& values) {
   std::vector<Cell<Value>> cells;
+  cells.reserve(values.size());
   for (Value* value : values) cells.push_back(CellOf(value));
   return cells;
 }
@@ -55,7 +56,7 @@ void FeatureTable::Category(std::string name, std::string tip, CategoryOrigin or
   categories_.push_back(CategoryRow{std::move(name), std::move(tip), origin});
 }
 
-Feature& FeatureTable::Int(std::string name, std::string tip, std::vector<Integer*> values) {
+Feature& FeatureTable::Int(std::string name, std::string tip, const std::vector<Integer*>& values) {
   Feature& feature = Add(FeatureKind::integer, std::move(name), std::move(tip));
   feature.integers_ = CellsOf(values);
   return feature;
@@ -71,7 +72,7 @@ Feature& FeatureTable::Float(std::string name, std::string tip, double* value) {
   return Float(std::move(name), std::move(tip), std::vector<double*>{value});
 }
 
-Feature& FeatureTable::Float(std::string name, std::string tip, std::vector<double*> values) {
+Feature& FeatureTable::Float(std::string name, std::string tip, const std::vector<double*>& values) {
   Feature& feature = Add(FeatureKind::floating, std::move(name), std::move(tip));
   feature.floats_ = CellsOf(values);
   return feature;
@@ -83,7 +84,7 @@ Feature& FeatureTable::Float(std::string name, std::string tip, std::function<do
   return feature;
 }
 
-Feature& FeatureTable::Bool(std::string name, std::string tip, std::vector<Integer*> values) {
+Feature& FeatureTable::Bool(std::string name, std::string tip, const std::vector<Integer*>& values) {
   Feature& feature = Add(FeatureKind::boolean, std::move(name), std::move(tip));
   feature.integers_ = CellsOf(values);
   return feature.Range(0, 1);
@@ -96,7 +97,7 @@ Feature& FeatureTable::Bool(std::string name, std::string tip, std::function<boo
 }
 
 Feature& FeatureTable::Enum(std::string name, std::string tip, std::vector<Choice> choices,
-                            std::vector<Integer*> values) {
+                            const std::vector<Integer*>& values) {
   Feature& feature = Add(FeatureKind::enumeration, std::move(name), std::move(tip));
   feature.integers_ = CellsOf(values);
   feature.choices_ = std::move(choices);

@@ -27,14 +27,15 @@ class FeatureTable {
   /// Features added from here on belong to this category.
   void Category(std::string name, std::string tip, CategoryOrigin origin = CategoryOrigin::standardNames);
 
-  Feature& Int(std::string name, std::string tip, std::vector<Integer*> values);
+  Feature& Int(std::string name, std::string tip, const std::vector<Integer*>& values);
   Feature& Int(std::string name, std::string tip, std::function<Integer()> computed);  ///< read-only
   Feature& Float(std::string name, std::string tip, double* value);
-  Feature& Float(std::string name, std::string tip, std::vector<double*> values);
+  Feature& Float(std::string name, std::string tip, const std::vector<double*>& values);
   Feature& Float(std::string name, std::string tip, std::function<double()> computed);  ///< read-only
-  Feature& Bool(std::string name, std::string tip, std::vector<Integer*> values);
+  Feature& Bool(std::string name, std::string tip, const std::vector<Integer*>& values);
   Feature& Bool(std::string name, std::string tip, std::function<bool()> computed);  ///< read-only
-  Feature& Enum(std::string name, std::string tip, std::vector<Choice> choices, std::vector<Integer*> values);
+  Feature& Enum(std::string name, std::string tip, std::vector<Choice> choices,
+                const std::vector<Integer*>& values);
   Feature& Command(std::string name, std::string tip, std::vector<std::function<RegisterStatus()>> actions);
   Feature& Text(std::string name, std::string tip, std::size_t length, std::function<std::string()> get);
   Feature& Text(std::string name, std::string tip, std::size_t length, std::string* value);
