@@ -164,6 +164,23 @@ TEST_F(ZyncamSimulate, VerbsForImagesRefuseCamerasForProfiles) {
   EXPECT_EQ(Run({"--simulate", "grab"}).exitCode, 1) << "a 3D camera has no images for this verb";
 }
 
+TEST_F(ZyncamSimulate, GrabWritesImagesOfAreaCameras) {
+  Configure(R"({"cameras": [{"model": "ZS-A640", "serialNumber": "A1", "pacing": "reader"}]})");
+  const Finished result = Run({"--simulate", "grab", "-n", "3", "-o", folder_.string(), "--json"});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  const json report = json::parse(result.out, nullptr, false);
+  EXPECT_EQ(report["frames"], 3);
+  EXPECT_EQ(report["width"], 640);
+  EXPECT_EQ(report["height"], 480);
+  EXPECT_TRUE(fs::exists(folder_ / "image_00003.png"));
+}
+
+TEST_F(ZyncamSimulate, VerbsForProfilesRefuseCamerasForImages) {
+  Configure(R"({"cameras": [{"model": "ZS-A640", "serialNumber": "A1"}]})");
+  EXPECT_EQ(Run({"--simulate", "profile", "-o", folder_.string()}).exitCode, 1);
+  EXPECT_EQ(Run({"--simulate", "scan", "-o", folder_.string()}).exitCode, 1);
+}
+
 TEST_F(ZyncamSimulate, TellsWhatIsWrongWithAConfiguration) {
   Configure(R"({"cameras": [{"model": "NONE"}]})");
   const Finished result = Run({"--simulate", "get", "Width"});

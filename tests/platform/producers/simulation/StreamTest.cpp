@@ -4,6 +4,7 @@
 
 #include "SimulatorFixture.h"
 #include "cameras/ChunkIds.h"
+#include "cameras/area/TestPattern.h"
 #include "cameras/laser/Scene.h"
 
 namespace {
@@ -142,6 +143,40 @@ TEST_F(SimulatorStream, AllBatchesOfOneScanCarryOneIdentifier) {
     EXPECT_EQ(WrongRecords(camera.Base(buffer), batch * 100, 100, kPoints), 0U) << batch;
     EXPECT_EQ(ChunkNumber(camera, buffer, cameras::kFrameIdChunk), static_cast<std::uint64_t>(batch / 3 + 1));
     EXPECT_EQ(UInt64(camera.Ask(buffer, BUFFER_INFO_FRAMEID)), static_cast<std::uint64_t>(batch + 1));
+    camera.Queue(buffer);
+  }
+  camera.Stop();
+}
+
+TEST_F(SimulatorStream, AreaFramesShowTheirPatternAndCarryTheChunksThatAreEnabled) {
+  Begin(R"({"cameras": [{"model": "ZS-A1600", "serialNumber": "A1", "pacing": "reader"}]})");
+  OpenCamera camera(interface_, "A1");
+  camera.features->SetText("TestPattern", "GreyHorizontalRampMoving");
+  camera.features->SetText("PixelFormat", "Mono12");
+  camera.features->SetBool("ChunkModeActive", true);
+  camera.features->SetText("ChunkSelector", "FrameID");
+  camera.features->SetBool("ChunkEnable", true);
+  camera.features->Set("Width", 640);
+  camera.features->Set("OffsetX", 16);
+  camera.OpenStream(2);
+  camera.Start();
+  for (std::uint64_t frame = 1; frame <= 3; ++frame) {
+    BUFFER_HANDLE const buffer = camera.Fetch();
+    ASSERT_NE(buffer, nullptr);
+    EXPECT_EQ(Size(camera.Ask(buffer, BUFFER_INFO_PAYLOADTYPE)), std::size_t{PAYLOAD_TYPE_IMAGE});
+    EXPECT_EQ(UInt64(camera.Ask(buffer, BUFFER_INFO_PIXELFORMAT)), 0x01100005U);
+    EXPECT_EQ(Size(camera.Ask(buffer, BUFFER_INFO_XOFFSET)), 16U);
+    ASSERT_EQ(Size(camera.Ask(buffer, BUFFER_INFO_WIDTH)), 640U);
+    const std::size_t lines = Size(camera.Ask(buffer, BUFFER_INFO_HEIGHT));
+    const std::uint8_t* const base = camera.Base(buffer);
+    std::size_t wrong = 0;
+    for (std::size_t i = 0; i < 640 * lines; ++i) {
+      const int level = cameras::PatternLevel(cameras::TestPattern::greyHorizontalRampMoving, 16 + i % 640,
+                                              i / 640, frame, cameras::ColorChannel::grey, 256);
+      if (base[2 * i] + base[2 * i + 1] * 256 != level >> 4) ++wrong;
+    }
+    EXPECT_EQ(wrong, 0U) << frame;
+    EXPECT_EQ(ChunkNumber(camera, buffer, cameras::kFrameIdChunk), frame);
     camera.Queue(buffer);
   }
   camera.Stop();
