@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
 #include <future>
 #include <latch>
 #include <memory>
@@ -415,6 +417,17 @@ TEST(ZynCameraHandle, EachFeatureFamilyReachesItsOwnMap) {
   }
   camera.Close();
 }
+
+#if defined(__x86_64__)
+// Applications that were built earlier find OnImage in the first place of the handler's virtual table. There a
+// pointer to a virtual member is 1 plus the offset of its place.
+TEST(IImageHandlerInterface, OnImageIsItsFirstVirtualOperation) {
+  const auto operation = &IImageHandler::OnImage;
+  std::ptrdiff_t place = 0;
+  std::memcpy(&place, &operation, sizeof(place));
+  EXPECT_EQ(place, 1);
+}
+#endif
 
 TEST(ZynCameraHandle, TheHandlerReceivesACopyOfTheHandleAndTheImage) {
   struct Handler : IImageHandler {

@@ -168,6 +168,26 @@ TEST_F(CImageThreadTest, EveryCallGetsTheSameImageObjectAndCopiesKeepTheirPixels
   EXPECT_EQ(kept[1].Width(), 5);
 }
 
+TEST_F(CImageThreadTest, ThePixelsOfAnImageStayUntilTheNextOneHasArrived) {
+  // Nobody keeps a copy, and memory that is free is used again at once: two images in a row at one place would mean
+  // that the first was gone while the second was copied.
+  FakeImage first(4, 3, 1, 10);
+  FakeImage second(4, 3, 1, 10);
+  device.Deliver(0, &first);
+  device.Deliver(0, &second);
+  std::vector<const unsigned char*> places;
+  std::latch delivered(2);
+  Handler handler([&](const ZynCamera&, const ZynImage& image) {
+    places.push_back(image.ImageData());
+    delivered.count_down();
+  });
+  thread.Register(&handler);
+  thread.Start();
+  delivered.wait();
+  thread.Stop();
+  EXPECT_NE(places[0], places[1]);
+}
+
 TEST_F(CImageThreadTest, CallsTheHandlerOnAThreadOfItsOwnAndNeverAsksForChunks) {
   FakeImage frame(4, 3, 1, 10);
   device.Deliver(0, &frame);
