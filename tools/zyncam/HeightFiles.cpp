@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -39,7 +40,7 @@ Colour ColourOf(int height, const Range& range) {
   Colour colour{};
   for (std::size_t i = 0; i < colour.size(); ++i) {
     colour[i] =
-        static_cast<std::uint8_t>(kStops[below][i] * (1 - share) + kStops[below + 1][i] * share + 0.5);
+        static_cast<std::uint8_t>(std::lround(kStops[below][i] * (1 - share) + kStops[below + 1][i] * share));
   }
   return colour;
 }

@@ -28,7 +28,7 @@ std::string Quoted(const std::string& text) {
 
 std::string Listed(const std::vector<std::string>& names) {
   std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  for (const std::string& name : names) text.append(text.empty() ? "" : ", ").append(name);
   return text;
 }
 
@@ -134,7 +134,8 @@ class CameraList {
   CameraSetting Setting(const json& entry, const std::string& where) {
     CameraSetting setting;
     for (const auto& [key, value] : entry.items()) {
-      const std::string at = where + "." + key;
+      std::string at = where;
+      at.append(".").append(key);
       if (key == "model") setting.model = Model(value, at);
       if (key == "serialNumber") setting.serial = NewSerial(value, at);
       if (key == "userDefinedName") setting.userName = UserName(value, at);
