@@ -36,6 +36,34 @@ class GENAPI_DECL CNodeWriteConcatenator {
   GENICAM_NAMESPACE::gcstring_vector m_Values;
 };
 
+/// Owns a list of writes.
+class CNodeWriteConcatenatorRef {
+ public:
+  explicit CNodeWriteConcatenatorRef(CNodeWriteConcatenator* pConcatenatedWrite)
+      : m_pConcatenatedWrite(pConcatenatedWrite) {}
+  ~CNodeWriteConcatenatorRef() {
+    if (m_pConcatenatedWrite) m_pConcatenatedWrite->Destroy();
+  }
+  CNodeWriteConcatenatorRef(const CNodeWriteConcatenatorRef&) = delete;
+  CNodeWriteConcatenatorRef& operator=(const CNodeWriteConcatenatorRef&) = delete;
+
+  template <class Value>
+  void _Add(const GENICAM_NAMESPACE::gcstring& nodeName, const Value& value) const {
+    m_pConcatenatedWrite->Add(nodeName, value);
+  }
+  void _Clear() const { m_pConcatenatedWrite->Clear(); }
+  CNodeWriteConcatenator* get() const { return m_pConcatenatedWrite; }
+  /// Gives the list up.
+  CNodeWriteConcatenator* Release() {
+    CNodeWriteConcatenator* const list = m_pConcatenatedWrite;
+    m_pConcatenatedWrite = nullptr;
+    return list;
+  }
+
+ private:
+  CNodeWriteConcatenator* m_pConcatenatedWrite;
+};
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -29,9 +29,13 @@
 #include "NodeCallback.h"
 #include "NodeMapFactory.h"
 #include "NodeMapRef.h"
+#include "Persistence.h"
 #include "Pointer.h"
 #include "PortImpl.h"
 #include "Reference.h"
+#include "SelectorSet.h"
+#include "SelectorState.h"
+#include "StructPort.h"
 #include "Synch.h"
 
 #endif

@@ -14,6 +14,17 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ICommand : virtual public IValue {
   virtual bool IsDone(bool Verify = true) = 0;
 };
 
+/// A reference to a command.
+template <class T, class I = T>
+class CCommandRefT : public CValueRefT<T, I> {
+ public:
+  void Execute(bool Verify = true) override { this->Ref()->Execute(Verify); }
+  void operator()() override { this->Ref()->Execute(); }
+  bool IsDone(bool Verify = true) override { return this->Ref()->IsDone(Verify); }
+};
+
+typedef CCommandRefT<ICommand> CCommandRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

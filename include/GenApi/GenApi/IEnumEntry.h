@@ -14,6 +14,18 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumEntry : virtual public IValue {
   virtual bool IsSelfClearing() = 0;
 };
 
+/// A reference to an entry of an enumeration.
+template <class T, class I = T>
+class CEnumEntryRefT : public CValueRefT<T, I> {
+ public:
+  int64_t GetValue() override { return this->Ref()->GetValue(); }
+  GENICAM_NAMESPACE::gcstring GetSymbolic() const override { return this->Ref()->GetSymbolic(); }
+  double GetNumericValue() override { return this->Ref()->GetNumericValue(); }
+  bool IsSelfClearing() override { return this->Ref()->IsSelfClearing(); }
+};
+
+typedef CEnumEntryRefT<IEnumEntry> CEnumEntryRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -26,6 +26,34 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IEnumeration : virtual public IValue {
   virtual IEnumEntry* GetCurrentEntry(bool Verify = false, bool IgnoreCache = false) = 0;
 };
 
+/// A reference to an enumeration.
+template <class T, class I = T>
+class CEnumerationRefT : public CValueRefT<T, I> {
+ public:
+  using T::GetEntry;
+  void GetSymbolics(StringList_t& Symbolics) override { this->Ref()->GetSymbolics(Symbolics); }
+  void GetEntries(NodeList_t& Entries) override { this->Ref()->GetEntries(Entries); }
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
+  IEnumeration& operator=(const GENICAM_NAMESPACE::gcstring& ValueStr) override {
+    this->Ref()->FromString(ValueStr);
+    return *this->m_Ptr;
+  }
+  void SetIntValue(int64_t Value, bool Verify = true) override { this->Ref()->SetIntValue(Value, Verify); }
+  GENICAM_NAMESPACE::gcstring operator*() override { return this->Ref()->ToString(); }
+  int64_t GetIntValue(bool Verify = false, bool IgnoreCache = false) override {
+    return this->Ref()->GetIntValue(Verify, IgnoreCache);
+  }
+  IEnumEntry* GetEntryByName(const GENICAM_NAMESPACE::gcstring& Symbolic) override {
+    return this->Ref()->GetEntryByName(Symbolic);
+  }
+  IEnumEntry* GetEntry(const int64_t IntValue) override { return this->Ref()->GetEntry(IntValue); }
+  IEnumEntry* GetCurrentEntry(bool Verify = false, bool IgnoreCache = false) override {
+    return this->Ref()->GetCurrentEntry(Verify, IgnoreCache);
+  }
+};
+
+typedef CEnumerationRefT<IEnumeration> CEnumerationRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -29,6 +29,40 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IInteger : virtual public IValue {
   virtual void ImposeMax(int64_t Value) = 0;
 };
 
+GENICAM_INTERFACE IFloat;
+
+/// A reference to an integer.
+template <class T, class I = T>
+class CIntegerRefT : public CValueRefT<T, I> {
+ public:
+  void SetValue(int64_t Value, bool Verify = true) override { this->Ref()->SetValue(Value, Verify); }
+  // The interface decides the type returned. NOLINTNEXTLINE(misc-unconventional-assign-operator)
+  I& operator=(int64_t Value) override {
+    this->Ref()->SetValue(Value);
+    return *this->m_Ptr;
+  }
+  int64_t GetValue(bool Verify = false, bool IgnoreCache = false) override {
+    return this->Ref()->GetValue(Verify, IgnoreCache);
+  }
+  int64_t operator()() override { return this->Ref()->GetValue(); }
+  int64_t operator*() override { return this->Ref()->GetValue(); }
+  int64_t GetMin() override { return this->Ref()->GetMin(); }
+  int64_t GetMax() override { return this->Ref()->GetMax(); }
+  EIncMode GetIncMode() override { return this->Ref()->GetIncMode(); }
+  int64_t GetInc() override { return this->Ref()->GetInc(); }
+  int64_autovector_t GetListOfValidValues(bool bounded = true) override {
+    return this->Ref()->GetListOfValidValues(bounded);
+  }
+  ERepresentation GetRepresentation() override { return this->Ref()->GetRepresentation(); }
+  GENICAM_NAMESPACE::gcstring GetUnit() override { return this->Ref()->GetUnit(); }
+  void ImposeMin(int64_t Value) override { this->Ref()->ImposeMin(Value); }
+  void ImposeMax(int64_t Value) override { this->Ref()->ImposeMax(Value); }
+  /// The float beside the node (its cast alias); null when there is none.
+  IFloat* GetFloatAlias() { return dynamic_cast<IFloat*>(this->Ref()->GetNode()->GetCastAlias()); }
+};
+
+typedef CIntegerRefT<IInteger> CIntegerRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -4,6 +4,7 @@
 
 #include "../Base/GCTypes.h"
 #include "IBase.h"
+#include "Reference.h"
 
 namespace GENAPI_NAMESPACE {
 
@@ -13,6 +14,21 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPort : virtual public IBase {
   virtual void Read(void* pBuffer, int64_t Address, int64_t Length) = 0;
   virtual void Write(const void* pBuffer, int64_t Address, int64_t Length) = 0;
 };
+
+/// A reference to a port.
+template <class T, class I = T>
+class CPortRefT : public CBaseRefT<T, I> {
+ public:
+  using T::Write;
+  void Read(void* pBuffer, int64_t Address, int64_t Length) override {
+    this->Ref()->Read(pBuffer, Address, Length);
+  }
+  void Write(const void* pBuffer, int64_t Address, int64_t Length) override {
+    this->Ref()->Write(pBuffer, Address, Length);
+  }
+};
+
+typedef CPortRefT<IPort> CPortRef;
 
 }  // namespace GENAPI_NAMESPACE
 

@@ -26,6 +26,19 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPortRecorder : virtual public IPortRepla
   virtual void StopRecording() = 0;
 };
 
+/// A reference to a port that records.
+template <class T, class I = T>
+class CPortRecorderRefT : public CPortRefT<T, I> {
+ public:
+  void Replay(IPortWriteList* pPortRecorder, bool Invalidate = true) override {
+    this->Ref()->Replay(pPortRecorder, Invalidate);
+  }
+  void StartRecording(IPortWriteList* pPortRecorder) override { this->Ref()->StartRecording(pPortRecorder); }
+  void StopRecording() override { this->Ref()->StopRecording(); }
+};
+
+typedef CPortRecorderRefT<IPortRecorder> CPortRecorderRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -19,6 +19,18 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IPortStacked : virtual public IPort {
   virtual void Write(PORT_REGISTER_STACK_ENTRY * pEntries, size_t numEntries) = 0;
 };
 
+/// A reference to a port that takes several writes at once.
+template <class T, class I = T>
+class CPortStackedRefT : public CPortRefT<T, I> {
+ public:
+  using CPortRefT<T, I>::Write;
+  void Write(PORT_REGISTER_STACK_ENTRY* pEntries, size_t numEntries) override {
+    this->Ref()->Write(pEntries, numEntries);
+  }
+};
+
+typedef CPortStackedRefT<IPortStacked> CPortStackedRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

@@ -16,6 +16,22 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IRegister : virtual public IValue {
   virtual int64_t GetAddress(bool Verify = false) = 0;
 };
 
+/// A reference to a register.
+template <class T, class I = T>
+class CRegisterRefT : public CValueRefT<T, I> {
+ public:
+  void Set(const uint8_t* pBuffer, int64_t Length, bool Verify = true) override {
+    this->Ref()->Set(pBuffer, Length, Verify);
+  }
+  void Get(uint8_t* pBuffer, int64_t Length, bool Verify = false, bool IgnoreCache = false) override {
+    this->Ref()->Get(pBuffer, Length, Verify, IgnoreCache);
+  }
+  int64_t GetLength(bool Verify = false) override { return this->Ref()->GetLength(Verify); }
+  int64_t GetAddress(bool Verify = false) override { return this->Ref()->GetAddress(Verify); }
+};
+
+typedef CRegisterRefT<IRegister> CRegisterRef;
+
 }  // namespace GENAPI_NAMESPACE
 
 #endif

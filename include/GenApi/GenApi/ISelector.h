@@ -4,6 +4,7 @@
 
 #include "Container.h"
 #include "IBase.h"
+#include "Reference.h"
 
 namespace GENAPI_NAMESPACE {
 
@@ -13,6 +14,21 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT ISelector : virtual public IBase {
   virtual void GetSelectedFeatures(FeatureList_t & SelectedFeatures) const = 0;
   virtual void GetSelectingFeatures(FeatureList_t & SelectingFeatures) const = 0;
 };
+
+/// A reference to a selector.
+template <class T, class I = T>
+class CSelectorRefT : public CBaseRefT<T, I> {
+ public:
+  bool IsSelector() const override { return this->Ref()->IsSelector(); }
+  void GetSelectedFeatures(FeatureList_t& SelectedFeatures) const override {
+    this->Ref()->GetSelectedFeatures(SelectedFeatures);
+  }
+  void GetSelectingFeatures(FeatureList_t& SelectingFeatures) const override {
+    this->Ref()->GetSelectingFeatures(SelectingFeatures);
+  }
+};
+
+typedef CSelectorRefT<ISelector> CSelectorRef;
 
 }  // namespace GENAPI_NAMESPACE
 

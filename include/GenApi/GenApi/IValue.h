@@ -4,6 +4,7 @@
 
 #include "../Base/GCString.h"
 #include "INode.h"
+#include "Reference.h"
 
 namespace GENAPI_NAMESPACE {
 
@@ -18,6 +19,22 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT IValue : virtual public IBase {
   virtual void FromString(const GENICAM_NAMESPACE::gcstring& ValueStr, bool Verify = true) = 0;
   virtual bool IsValueCacheValid() const = 0;
 };
+
+/// A reference to a value.
+template <class T, class I = T>
+class CValueRefT : public CBaseRefT<T, I> {
+ public:
+  INode* GetNode() override { return this->Ref()->GetNode(); }
+  GENICAM_NAMESPACE::gcstring ToString(bool Verify = false, bool IgnoreCache = false) override {
+    return this->Ref()->ToString(Verify, IgnoreCache);
+  }
+  void FromString(const GENICAM_NAMESPACE::gcstring& ValueStr, bool Verify = true) override {
+    this->Ref()->FromString(ValueStr, Verify);
+  }
+  bool IsValueCacheValid() const override { return this->Ref()->IsValueCacheValid(); }
+};
+
+typedef CValueRefT<IValue> CValueRef;
 
 }  // namespace GENAPI_NAMESPACE
 

@@ -48,6 +48,10 @@ class GENAPI_DECL CNodeMapFactory {
   /// Frees the text. Maps can still be created when it was parsed before.
   void ReleaseCameraDescriptionFileData();
 
+  /// The description as XML, after parsing and merging: entries, structures and addresses are written out, what
+  /// was unknown is missing. Throws when it was released before it was parsed.
+  GENICAM_NAMESPACE::gcstring ToXml() const;
+
   /// The caller owns the map and ends it through IDestroy. With a lock of the caller's, the lock must outlive
   /// the map.
   INodeMap* CreateNodeMap(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device",

@@ -8,6 +8,7 @@
 
 #include "Base/GCException.h"
 #include "description/DescriptionBuilder.h"
+#include "description/DescriptionWriter.h"
 #include "description/SourceText.h"
 #include "map/NodeMap.h"
 
@@ -130,6 +131,12 @@ void CNodeMapFactory::AddInjectionData(CNodeMapFactory& injectionData) {
   merged->description.reset();
   merged->injected.push_back(injectionData.m_pImpl->shared->source.xml);
   m_pImpl->shared = std::move(merged);
+}
+
+gcstring CNodeMapFactory::ToXml() const {
+  if (!m_pImpl) throw RUNTIME_EXCEPTION("The factory holds no description");
+  const std::string xml = zyn::genapi::WriteXml(*m_pImpl->Parsed());
+  return {xml.data(), xml.size()};
 }
 
 void CNodeMapFactory::LoadAndInject() {

@@ -238,24 +238,60 @@ CNodeWriteConcatenator* NodeMap::NewNodeWriteConcatenator() const {
   return new CNodeWriteConcatenator;
 }
 
+// Goes through the ports' stacks, so that a device that takes several writes at once gets them so. Callbacks see
+// all of it done.
 bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool,
                                 gcstring_vector* pErrorList) {
   if (!pConcatenatedWrite) throw INVALID_ARGUMENT_EXCEPTION("A null list of writes cannot be written.");
-  const AutoLock lock(lock_);
+  std::vector<std::string> errors;
+  std::vector<CNodeCallback*> callbacks;
+  {
+    const AutoLock lock(lock_);
+    std::vector<NodeId> changed;
+    std::vector<NodeId>* const outer = std::exchange(joined_, &changed);
+    for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).BeginStack();
+    try {
+      WriteAll(*pConcatenatedWrite, errors);
+      FlushPorts(errors);
+    } catch (...) {  // a port may throw anything
+      joined_ = outer;
+      for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).DropStack();
+      throw;
+    }
+    joined_ = outer;
+    CollectCallbacks(changed, callbacks);
+    FireInside(callbacks);
+  }
+  FireOutside(callbacks);
   if (pErrorList) pErrorList->clear();
-  bool allGood = true;
-  for (size_t i = 0; i < pConcatenatedWrite->Names().size(); ++i) {
-    const gcstring& name = pConcatenatedWrite->Names()[i];
+  for (const std::string& error : errors)
+    if (pErrorList) pErrorList->push_back(Copy(error));
+  return errors.empty();
+}
+
+void NodeMap::WriteAll(const CNodeWriteConcatenator& writes, std::vector<std::string>& errors) {
+  for (size_t i = 0; i < writes.Names().size(); ++i) {
+    const gcstring& name = writes.Names()[i];
     try {
       auto* const value = dynamic_cast<IValue*>(GetNode(name));
       if (!value) throw INVALID_ARGUMENT_EXCEPTION("Error while writing node: '%s' not found", name.c_str());
-      value->FromString(pConcatenatedWrite->Values()[i]);
+      value->FromString(writes.Values()[i]);
     } catch (const GENICAM_NAMESPACE::GenericException& error) {
-      allGood = false;
-      if (pErrorList) pErrorList->push_back(error.what());
+      errors.emplace_back(error.what());
     }
   }
-  return allGood;
+}
+
+void NodeMap::FlushPorts(std::vector<std::string>& errors) {
+  for (const NodeId id : description_->ports) {
+    auto& port = dynamic_cast<PortNode&>(At(id));
+    port.EndStack();
+    try {
+      port.FlushStack();
+    } catch (const GENICAM_NAMESPACE::GenericException& error) {
+      errors.emplace_back(error.what());
+    }
+  }
 }
 
 // Facts
@@ -415,6 +451,10 @@ void WriteCall::Commit(bool checkError) {
   Settle();
   committed_ = true;
   if (checkError) node_.CheckError();
+  if (map_.joined_) {
+    map_.joined_->insert(map_.joined_->end(), written_.begin(), written_.end());
+    return Release();
+  }
   std::vector<CNodeCallback*> callbacks;
   map_.CollectCallbacks(written_, callbacks);
   map_.FireInside(callbacks);

@@ -94,6 +94,8 @@ class NodeMap final : public INodeMap,
   /// Nothing, when callbacks are suppressed or there are none.
   void CollectCallbacks(const std::vector<NodeId>& changed, std::vector<CNodeCallback*>& callbacks) const;
   bool ConsumeSuppression() const;
+  void WriteAll(const CNodeWriteConcatenator& writes, std::vector<std::string>& errors);
+  void FlushPorts(std::vector<std::string>& errors);
   void FireInside(const std::vector<CNodeCallback*>& callbacks) const;
   void FireOutside(const std::vector<CNodeCallback*>& callbacks) const;
   bool IsRegistered(CNodeCallback* callback) const;
@@ -116,6 +118,8 @@ class NodeMap final : public INodeMap,
   mutable int evaluations_ = 0;
   mutable int callbackCount_ = 0;
   mutable WriteCall* write_ = nullptr;
+  // Set while several writes count as one: where their nodes are collected, to fire callbacks in the end.
+  std::vector<NodeId>* joined_ = nullptr;
   mutable ECallbackSuppressMode suppress_ = csmOff;
   std::vector<int64_t> pollingElapsed_;
   UserData_t userData_ = nullptr;

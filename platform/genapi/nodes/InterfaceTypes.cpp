@@ -1,7 +1,5 @@
 #include "nodes/InterfaceTypes.h"
 
-#include <sstream>
-
 namespace zyn::genapi {
 
 using namespace GENAPI_NAMESPACE;
@@ -46,27 +44,6 @@ EInterfaceType InterfaceTypeOf(NodeKind kind) {
       return intfIValue;
   }
   return intfIBase;
-}
-
-std::string PropertyText(const Description& description, NodeKind kind, const Property& property) {
-  switch (LexicalOf(property.element, kind)) {
-    case Lexical::integer:
-      return std::to_string(property.number);
-    case Lexical::truth:
-      return property.number ? "true" : "false";
-    case Lexical::word:
-      return WordText(property.element, property.number);
-    case Lexical::inner:
-      return std::string(description.Name(property.Target()));
-    case Lexical::real: {
-      std::ostringstream text;
-      text.precision(17);
-      text << property.Real();
-      return text.str();
-    }
-    default:
-      return std::string(description.Text(property.text));
-  }
 }
 
 }  // namespace zyn::genapi

@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "description/DescriptionWriter.h"
 #include "nodes/InterfaceTypes.h"
 
 namespace zyn::genapi {
@@ -33,6 +34,30 @@ bool IsBaseLink(Element element) {
     default:
       return IsCondition(element);
   }
+}
+
+// Links that decide which value a node has, or what its limits are.
+bool IsValueLink(Element element) {
+  return IsReadingLink(element) && !IsCondition(element) && element != Element::pFeature &&
+         element != Element::pPort && element != Element::pChunkId;
+}
+
+// Whose value or limits come from each node.
+Adjacency CollectValueUsers(const Description& facts) {
+  Adjacency users;
+  users.Build(facts.nodes.size(), [&facts](const auto& add) {
+    for (NodeId id = 0; id < facts.nodes.size(); ++id)
+      for (const Property& property : facts.Properties(id))
+        if (IsValueLink(property.element)) add(property.Target(), id);
+  });
+  return users;
+}
+
+// Marks the node, and says whether it was not marked before.
+bool MarkNew(std::vector<bool>& marks, NodeId id) {
+  if (marks[id]) return false;
+  marks[id] = true;
+  return true;
 }
 
 bool IsWritingLink(Element element) {
@@ -412,20 +437,45 @@ bool Node::IsSelector() const {
   return Find(Element::pSelected) != nullptr;
 }
 
+// What is computed from a selected feature is selected with it. Conditions do not count: they say whether a
+// feature may be used, not which one it is.
 void Node::GetSelectedFeatures(FeatureList_t& SelectedFeatures) const {
   const Call call(*this, "GetSelectedFeatures");
   SelectedFeatures.clear();
-  for (const Property& property : Properties()) {
-    if (property.element != Element::pSelected || property.Target() == kNoNode) continue;
-    if (auto* const value = dynamic_cast<IValue*>(&At(property.Target()))) SelectedFeatures.push_back(value);
-  }
+  if (!Find(Element::pSelected)) return;
+  std::vector<NodeId> selected;
+  std::vector<bool> isListed(map_.Facts().nodes.size(), false);
+  isListed[id_] = true;
+  const auto add = [&](NodeId id) {
+    if (id != kNoNode && MarkNew(isListed, id)) selected.push_back(id);
+  };
+  for (const Property& property : Properties())
+    if (property.element == Element::pSelected) add(property.Target());
+  const Adjacency users = CollectValueUsers(map_.Facts());
+  for (std::size_t i = 0; i < selected.size(); ++i)
+    for (const NodeId user : users.Of(selected[i])) add(user);
+  for (const NodeId id : selected)
+    if (auto* const value = dynamic_cast<IValue*>(&At(id))) SelectedFeatures.push_back(value);
 }
 
 void Node::GetSelectingFeatures(FeatureList_t& SelectingFeatures) const {
   const Call call(*this, "GetSelectingFeatures");
   SelectingFeatures.clear();
-  for (const NodeId id : map_.Facts().selectedBy.Of(id_))
-    if (auto* const value = dynamic_cast<IValue*>(&At(id))) SelectingFeatures.push_back(value);
+  std::vector<NodeId> sources{id_};
+  std::vector<bool> isSource(map_.Facts().nodes.size(), false);
+  std::vector<bool> isListed(map_.Facts().nodes.size(), false);
+  isSource[id_] = true;
+  isListed[id_] = true;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    for (const NodeId id : map_.Facts().selectedBy.Of(sources[i])) {
+      if (!MarkNew(isListed, id)) continue;
+      if (auto* const value = dynamic_cast<IValue*>(&At(id))) SelectingFeatures.push_back(value);
+    }
+    for (const Property& property : map_.Facts().Properties(sources[i])) {
+      if (IsValueLink(property.element) && MarkNew(isSource, property.Target()))
+        sources.push_back(property.Target());
+    }
+  }
 }
 
 // Callbacks

@@ -25,6 +25,7 @@ void PortNode::Connect(IPort* port) {
   // Another node map's Port would connect itself back.
   auto* const construct = dynamic_cast<IPortConstruct*>(port);
   if (construct && !dynamic_cast<PortNode*>(port)) construct->SetPortImpl(this);
+  if (auto* const stacked = dynamic_cast<IPortStackedConstruct*>(port)) stacked->SetPortImpl(this);
 }
 
 void PortNode::SetPortImpl(IPort* pPort) {
@@ -34,13 +35,57 @@ void PortNode::SetPortImpl(IPort* pPort) {
 
 void PortNode::Read(void* pBuffer, int64_t Address, int64_t Length) {
   const Call call(*this, "Read");
+  FlushStack();
   Connected().Read(pBuffer, Address, Length);
 }
 
 void PortNode::Write(const void* pBuffer, int64_t Address, int64_t Length) {
   const Call call(*this, "Write");
-  Connected().Write(pBuffer, Address, Length);
+  IPort& port = Connected();
+  if (isStacking_ && dynamic_cast<IPortStacked*>(&port)) {
+    const auto* const bytes = static_cast<const std::uint8_t*>(pBuffer);
+    pending_.push_back({Address, {bytes, bytes + Length}});
+  } else {
+    port.Write(pBuffer, Address, Length);
+  }
   if (recorder_) recorder_->Write(pBuffer, Address, Length);
+}
+
+void PortNode::Write(PORT_REGISTER_STACK_ENTRY* pEntries, size_t numEntries) {
+  const Call call(*this, "Write");
+  if (auto* const stacked = dynamic_cast<IPortStacked*>(&Connected()))
+    return stacked->Write(pEntries, numEntries);
+  for (size_t i = 0; i < numEntries; ++i)
+    Connected().Write(pEntries[i].pBuffer, static_cast<std::int64_t>(pEntries[i].Address),
+                      static_cast<std::int64_t>(pEntries[i].Size));
+}
+
+void PortNode::BeginStack() {
+  isStacking_ = true;
+  pending_.clear();
+}
+
+void PortNode::DropStack() {
+  isStacking_ = false;
+  if (pending_.empty()) return;
+  pending_.clear();
+  Map().InvalidateClosure(Id());
+}
+
+void PortNode::FlushStack() {
+  if (pending_.empty()) return;
+  std::vector<PendingWrite> writes;
+  writes.swap(pending_);
+  std::vector<PORT_REGISTER_STACK_ENTRY> entries;
+  entries.reserve(writes.size());
+  for (PendingWrite& write : writes)
+    entries.push_back({static_cast<std::uint64_t>(write.address), write.bytes.data(), write.bytes.size()});
+  try {
+    dynamic_cast<IPortStacked&>(Connected()).Write(entries.data(), entries.size());
+  } catch (...) {
+    Map().InvalidateClosure(Id());
+    throw;
+  }
 }
 
 EYesNo PortNode::GetSwapEndianess() {

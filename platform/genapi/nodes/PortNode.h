@@ -13,7 +13,11 @@ namespace zyn::genapi {
 /// Passes register access on to what is connected, and remembers bytes. Bytes are kept per address and
 /// length, so that a register whose address a selector moves never sees another's; registers at the same
 /// place share them.
-class PortNode final : public Node, public IPortConstruct, public IChunkPort, public IPortRecorder {
+class PortNode final : public Node,
+                       public IPortConstruct,
+                       public IPortStacked,
+                       public IChunkPort,
+                       public IPortRecorder {
  public:
   using Node::Node;
 
@@ -28,6 +32,8 @@ class PortNode final : public Node, public IPortConstruct, public IChunkPort, pu
   EAccessMode GetAccessMode() const override { return Node::GetAccessMode(); }
   void Read(void* pBuffer, int64_t Address, int64_t Length) override;
   void Write(const void* pBuffer, int64_t Address, int64_t Length) override;
+  /// One after the other when the connected port takes one write only.
+  void Write(PORT_REGISTER_STACK_ENTRY* pEntries, size_t numEntries) override;
   void SetPortImpl(IPort* pPort) override;
   EYesNo GetSwapEndianess() override;
   gcstring GetChunkID() const override;
@@ -40,6 +46,14 @@ class PortNode final : public Node, public IPortConstruct, public IChunkPort, pu
 
   /// Null disconnects. Forgets everything behind the port.
   void Connect(IPort* port);
+
+  /// From now on writes are kept back, if the connected port takes several at once. A read sends them first.
+  void BeginStack();
+  /// Sends what was kept back. When that fails, nothing behind the port is believed any more.
+  void FlushStack();
+  void EndStack() { isStacking_ = false; }
+  /// Ends it, and forgets what was kept back.
+  void DropStack();
 
   /// The memory of that place; the reference holds until the next call.
   Memory& At(std::int64_t address, std::int64_t length);
@@ -59,11 +73,18 @@ class PortNode final : public Node, public IPortConstruct, public IChunkPort, pu
     }
   };
 
+  struct PendingWrite {
+    std::int64_t address;
+    std::vector<std::uint8_t> bytes;
+  };
+
   EAccessMode BaseAccess() override;
   IPort& Connected();
 
   IPort* connected_ = nullptr;
   IPortWriteList* recorder_ = nullptr;
+  bool isStacking_ = false;
+  std::vector<PendingWrite> pending_;
   std::unordered_map<Place, Memory, PlaceHash> memory_;
 };
 

@@ -113,8 +113,9 @@ TEST(Cache, SelectorsMoveRegistersWithoutStaleValues) {
   camera.As<ISelector>("Gain").GetSelectingFeatures(list);
   EXPECT_EQ(list.size(), 1U);
   camera.As<ISelector>("Sel").GetSelectedFeatures(list);
-  ASSERT_EQ(list.size(), 1U);
+  ASSERT_EQ(list.size(), 2U);
   EXPECT_EQ(list[0]->GetNode()->GetName(), "Gain");
+  EXPECT_EQ(list[1]->GetNode()->GetName(), "Feature");
 }
 
 TEST(Cache, AddressesAreSums) {
