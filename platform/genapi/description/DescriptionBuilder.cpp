@@ -504,10 +504,12 @@ class Builder {
   std::vector<std::int8_t> priorities_;
 };
 
-// Texts are the larger part of a description; what is set aside and not used costs no memory.
+// Enough for nearly every description, so that nothing moves while it grows. What is set aside and never touched costs
+// address space only, and giving it back would cost a copy.
 void SetMemoryAside(Description& description, std::size_t xmlSize) {
   description.text.reserve(xmlSize / 2);
   description.properties.reserve(xmlSize / 40);
+  description.nodes.reserve(xmlSize / 256);
 }
 
 void CheckSize(std::string_view xml) {
@@ -529,9 +531,6 @@ std::shared_ptr<const Description> BuildDescription(std::string_view xml,
     CheckSize(document);
     Builder(document, *description).ReadInjected();
   }
-  description->text.shrink_to_fit();
-  description->nodes.shrink_to_fit();
-  description->properties.shrink_to_fit();
   Link(*description);
   return description;
 }

@@ -158,6 +158,14 @@ class WordIndex {
   std::array<std::uint8_t, kSlots> slots_{};
 };
 
+static_assert([] {
+  for (const ElementRow& row : kElements) {
+    const bool leads = row.lexical == Lexical::link || row.lexical == Lexical::inner;
+    if (leads != IsLink(row.element)) return false;
+  }
+  return true;
+}());
+
 const ElementRow& Row(Element element) {
   return kElements[static_cast<std::size_t>(element)];
 }
@@ -267,24 +275,6 @@ const char* WordText(Element element, std::int64_t value) {
   for (const Word& candidate : WordsOf(element))
     if (value == candidate.value) return candidate.text.data();
   return "";
-}
-
-bool IsReadingLink(Element element) {
-  switch (element) {
-    case Element::pBlockPolling:
-    case Element::pError:
-    case Element::pAlias:
-    case Element::pCastAlias:
-    case Element::pInvalidator:
-    case Element::pSelected:
-    case Element::pEnumEntry:
-    case Element::enumEntry:
-      return false;
-    case Element::intSwissKnife:
-      return true;
-    default:
-      return Row(element).lexical == Lexical::link;
-  }
 }
 
 bool MayDangle(Element element) {

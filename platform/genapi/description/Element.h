@@ -88,7 +88,7 @@ enum class Element : std::uint8_t {
   msb,
   bit,
   displayPrecision,
-  // links
+  // links, and nothing but links, to the end
   pIsImplemented,
   pIsAvailable,
   pIsLocked,
@@ -152,8 +152,27 @@ std::optional<std::int64_t> FindWord(Element element, std::string_view word);
 /// The other way round; "" for a number that no word stands for.
 const char* WordText(Element element, std::int64_t value);
 
+/// Whether the property leads to a node, one that it names or one written inside.
+constexpr bool IsLink(Element element) {
+  return element >= Element::pIsImplemented;
+}
+
 /// Whether the reading node needs the target to give its value, limits, address or access mode.
-bool IsReadingLink(Element element);
+constexpr bool IsReadingLink(Element element) {
+  switch (element) {
+    case Element::pBlockPolling:
+    case Element::pError:
+    case Element::pAlias:
+    case Element::pCastAlias:
+    case Element::pInvalidator:
+    case Element::pSelected:
+    case Element::pEnumEntry:
+    case Element::enumEntry:
+      return false;
+    default:
+      return IsLink(element);
+  }
+}
 
 /// Whether the description still means something when the target is missing.
 bool MayDangle(Element element);

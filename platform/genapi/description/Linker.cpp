@@ -47,7 +47,8 @@ class Linker {
   }
 
   void ResolveLink(NodeId id, Property& link) {
-    if (LexicalOf(link.element, out_.nodes[id].kind) != Lexical::link) return;
+    const bool isInner = link.element == Element::enumEntry || link.element == Element::intSwissKnife;
+    if (!IsLink(link.element) || isInner) return;
     const NodeId target = out_.names.Node(static_cast<NameId>(link.number));
     link.number = target;
     if (target == kNoNode && !MayDangle(link.element))
@@ -74,9 +75,8 @@ class Linker {
     out_.nodes[entry].owner = enumeration;
   }
 
-  bool IsLink(NodeId id, const Property& property) const {
-    const Lexical lexical = LexicalOf(property.element, out_.nodes[id].kind);
-    return (lexical == Lexical::link || lexical == Lexical::inner) && property.Target() != kNoNode;
+  static bool LeadsToNode(const Property& property) {
+    return IsLink(property.element) && property.Target() != kNoNode;
   }
 
   // Depth first with a stack of its own: the length of a chain of links must not matter.
@@ -101,7 +101,7 @@ class Linker {
           continue;
         }
         const Property& property = out_.Properties(step.node)[step.nextProperty++];
-        if (!IsReadingLink(property.element) || !IsLink(step.node, property)) continue;
+        if (!IsReadingLink(property.element) || !LeadsToNode(property)) continue;
         const NodeId target = property.Target();
         if (states[target] == State::open) {
           std::vector<NodeId> cycle;
@@ -168,7 +168,7 @@ class Linker {
   void EachLink(const Step& step) const {
     for (NodeId id = 0; id < Count(); ++id)
       for (const Property& property : out_.Properties(id))
-        if (IsLink(id, property)) step(id, property.element, property.Target());
+        if (LeadsToNode(property)) step(id, property.element, property.Target());
   }
 
   void CollectAdjacency() {

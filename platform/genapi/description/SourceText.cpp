@@ -247,7 +247,8 @@ std::string ToCleanUtf8(std::string data, std::vector<std::string>& notes) {
   if (!isLatin1 && IsUtf8(text)) {
     const auto skipped = static_cast<std::size_t>(text.data() - data.data());
     data.resize(skipped + text.size());
-    return data.erase(0, skipped);
+    data.erase(0, skipped);
+    return data;
   }
   if (!isLatin1) notes.emplace_back("Bytes that are not UTF-8 were taken as Latin-1");
   return RepairUtf8(text, isLatin1);

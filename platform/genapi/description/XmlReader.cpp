@@ -155,7 +155,7 @@ void XmlReader::Open(std::size_t at) {
   std::size_t end = begin;
   while (true) {
     const std::size_t next = SkipBlanks(end);
-    if (Peek(next) == '>' || StartsWith(next, "/>")) {
+    if (Peek(next) == '>' || (Peek(next) == '/' && Peek(next + 1) == '>')) {
       attributes_ = xml_.substr(begin, end - begin);
       isEmpty_ = Peek(next) == '/';
       at_ = next + (isEmpty_ ? 2 : 1);
@@ -193,9 +193,11 @@ std::string_view XmlReader::Attribute(std::string_view name) {
 }
 
 void XmlReader::Close(std::size_t at) {
-  const std::string_view name = NameAt(at + 2);
-  if (open_.empty() || open_.back() != name) Fail("an end tag does not match the start tag", at);
-  const std::size_t end = SkipBlanks(at + 2 + name.size());
+  const std::string_view name = open_.empty() ? std::string_view() : open_.back();
+  const std::size_t behind = at + 2 + name.size();
+  if (name.empty() || !StartsWith(at + 2, name) || Is(Peek(behind), kNamePart))
+    Fail("an end tag does not match the start tag", at);
+  const std::size_t end = SkipBlanks(behind);
   if (Peek(end) != '>') Fail("an end tag is malformed", at);
   open_.pop_back();
   at_ = end + 1;

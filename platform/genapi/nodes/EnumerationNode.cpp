@@ -13,8 +13,9 @@ EnumerationNode::EnumerationNode(NodeMap& map, NodeId id)
     if (property.element == Element::enumEntry) entries_.push_back(property.Target());
 }
 
+// Only entries are linked as such; asking each for its type would be most of the cost of reading a text.
 EnumEntryNode& EnumerationNode::Entry(NodeId id) const {
-  return *dynamic_cast<EnumEntryNode*>(&At(id));
+  return static_cast<EnumEntryNode&>(At(id));
 }
 
 EAccessMode EnumerationNode::BaseAccess() {
