@@ -44,6 +44,7 @@ void CImageThread::Start() {
   if (!handler_) return;
   if (thread_.joinable() && isRunning_) return;
   Join();  // a thread that its own handler stopped
+  if (camera_.HasStopped()) return;
   // Design decision: the flag comes first and stays when there is no thread to be had. Pinned by
   // WithoutAThreadToBeHadTheCallerLearnsAndTheFlagStays.
   isRunning_ = true;
@@ -55,6 +56,12 @@ void CImageThread::Stop() {
   if (IsThisThread()) return;
   zyn::MutexLock lock(mutex_);
   Join();
+}
+
+void CImageThread::StopUnlessStreaming() {
+  if (IsThisThread()) return;
+  zyn::MutexLock lock(mutex_);
+  if (thread_.joinable() && camera_.HasStopped()) Join();
 }
 
 void CImageThread::Register(IImageHandler* handler) {

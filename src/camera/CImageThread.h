@@ -19,6 +19,9 @@ class LogicCamera;
 /// never more than one thread, and it is joined exactly once. From inside the handler, where they would wait
 /// for themselves, they do not wait: Stop and Register then take effect when the handler returns, Start does
 /// nothing.
+///
+/// Whoever stops the stream calls Stop before and StopUnlessStreaming behind it. Both that and Start look at the
+/// stream under one lock, so a stop and a start at the same time leave a thread only when the stream runs.
 class CImageThread {
  public:
   explicit CImageThread(LogicCamera& camera);
@@ -26,12 +29,14 @@ class CImageThread {
   CImageThread& operator=(const CImageThread&) = delete;
   ~CImageThread();  ///< stops
 
-  /// Starts delivering, when there is a handler and no thread yet. Raises std::system_error "thread constructor
+  /// Starts delivering, when there is a handler, a stream, and no thread yet. Raises std::system_error "thread constructor
   /// failed" when the system gives no thread; a later Start tries again.
   void Start() ZYN_EXCLUDES(mutex_);
   /// Ends the thread, if there is one. Blocks until its present wait for a frame and its present callback have
   /// ended, which is up to the camera's grab time-out and the time that the handler takes.
   void Stop() ZYN_EXCLUDES(mutex_);
+  /// Ends a thread that was started while the stream was being stopped. Blocks as Stop does.
+  void StopUnlessStreaming() ZYN_EXCLUDES(mutex_);
   /// Stops, then remembers the handler (null: none) for the next Start. Does not start.
   void Register(IImageHandler* handler) ZYN_EXCLUDES(mutex_);
 
@@ -48,7 +53,8 @@ class CImageThread {
   std::atomic<IImageHandler*> handler_{nullptr};  // owned by the application
   std::atomic<bool> isRunning_{false};
   mutable zyn::Mutex
-      mutex_;  // held while joining, so that whoever stops second returns after the thread's end too
+      mutex_;  // held while joining, so that whoever stops second returns after the thread's end too, and while
+               // the camera is asked whether it streams
   std::thread thread_ ZYN_GUARDED_BY(mutex_);
 };
 

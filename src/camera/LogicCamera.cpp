@@ -49,6 +49,10 @@ bool LogicCamera::IsGrabbing() {
   return Guarded([&] { return device_->IsGrabbing(); }, false);
 }
 
+bool LogicCamera::HasStopped() {
+  return Guarded([&] { return !device_->IsGrabbing(); }, false);
+}
+
 ZynCameraAttribute* LogicCamera::Attribute() {
   auto handle = std::make_unique<ZynCameraAttribute>();
   SetWrapperValue(handle.get(), attribute_, true);

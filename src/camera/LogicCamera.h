@@ -65,6 +65,7 @@ class LogicCamera {
   long Close3D();  ///< as Close
   bool IsOpen();
   bool IsGrabbing();
+  bool HasStopped();  ///< the device says that its stream does not run; false also when it cannot say
 
   // The description.
 

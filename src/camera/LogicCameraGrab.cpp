@@ -34,7 +34,9 @@ long LogicCamera::StartGrab(ZynGrabStrategy strategy, int count) {
 
 long LogicCamera::StopGrab() {
   imageThread_->Stop();
-  return Guarded([&] { return device_->StopGrab(); });
+  const long result = Guarded([&] { return device_->StopGrab(); });
+  imageThread_->StopUnlessStreaming();  // another thread may have started it in between
+  return result;
 }
 
 // Design decision: registering ends a delivery that runs and does not begin a new one. Pinned by

@@ -325,6 +325,61 @@ TEST_F(CImageThreadTest, StoppingWhileStoppedDoesNothing) {
   EXPECT_FALSE(thread.HasThread());
 }
 
+TEST_F(CImageThreadTest, WithoutAStreamStartDoesNothing) {
+  Handler handler;
+  thread.Register(&handler);
+  device.isGrabbing = false;
+  thread.Start();
+  EXPECT_FALSE(thread.HasThread());
+  EXPECT_FALSE(thread.IsRunning());
+  device.isGrabbing = true;
+  thread.Start();
+  EXPECT_TRUE(thread.HasThread());
+}
+
+TEST_F(CImageThreadTest, ADeviceThatCannotSayWhetherItStreamsIsServed) {
+  Handler handler;
+  thread.Register(&handler);
+  device.hook = [](const std::string& call) {
+    if (call == "IsGrabbing") throw 42;
+  };
+  thread.Start();
+  thread.StopUnlessStreaming();
+  EXPECT_TRUE(thread.HasThread());
+  EXPECT_TRUE(thread.IsRunning());
+  thread.Stop();
+}
+
+TEST_F(CImageThreadTest, StopUnlessStreamingJoinsOnceTheStreamHasStopped) {
+  Handler handler;
+  thread.StopUnlessStreaming();
+  thread.Register(&handler);
+  thread.Start();
+  thread.StopUnlessStreaming();
+  EXPECT_TRUE(thread.HasThread());
+  EXPECT_TRUE(thread.IsRunning());
+  device.isGrabbing = false;
+  thread.StopUnlessStreaming();
+  EXPECT_FALSE(thread.HasThread());
+  EXPECT_FALSE(thread.IsRunning());
+}
+
+TEST_F(CImageThreadTest, StopUnlessStreamingFromTheHandlerDoesNotWait) {
+  FakeImage frame(4, 3, 1, 10);
+  device.Deliver(0, &frame);
+  std::latch left(1);
+  Handler handler([&](const ZynCamera&, const ZynImage&) {
+    device.isGrabbing = false;
+    thread.StopUnlessStreaming();
+    left.count_down();
+  });
+  thread.Register(&handler);
+  thread.Start();
+  left.wait();
+  thread.Stop();
+  EXPECT_EQ(handler.calls, 1);
+}
+
 TEST_F(CImageThreadTest, StartsAgainAfterAStop) {
   Handler handler;
   thread.Register(&handler);

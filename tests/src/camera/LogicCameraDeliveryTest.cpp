@@ -11,6 +11,7 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -248,6 +249,76 @@ TEST_F(LogicCameraDelivery, TwoThreadsMayStopAtOnce) {
     EXPECT_EQ(stop(), ZYN_OK);
     EXPECT_EQ(other.get(), ZYN_OK);
   }
+}
+
+// The whole stop falls between the start of the stream and that of the delivery.
+TEST_F(LogicCameraDelivery, AStopRightBehindTheStartOfTheStreamLeavesNoThread) {
+  Handler handler;
+  camera.RegisterImageHandler(&handler);
+  const std::size_t before = Threads();
+  // The second question is the start's own, whether the stream came up.
+  device.afterIsGrabbing = [this, questions = 0]() mutable {
+    if (++questions != 2) return;
+    EXPECT_EQ(camera.StopGrab(), ZYN_OK);
+  };
+  EXPECT_EQ(Start(), ZYN_OK);
+  EXPECT_LE(Threads(), before);
+  EXPECT_FALSE(camera.IsGrabbing());
+  device.afterIsGrabbing = nullptr;
+  DeliverTo(handler);
+}
+
+// The delivery starts between the two halves of a stop.
+TEST_F(LogicCameraDelivery, AStartInTheMiddleOfAStopLeavesNoThread) {
+  Handler handler;
+  camera.RegisterImageHandler(&handler);
+  const std::size_t before = Threads();
+  std::latch cameUp(1);
+  std::latch stopping(1);
+  device.afterIsGrabbing = [&, questions = std::make_shared<std::atomic<int>>(0)] {
+    if (++*questions != 2) return;
+    cameUp.count_down();
+    stopping.wait();
+  };
+  auto start = std::async(std::launch::async, [&] { return Start(); });
+  cameUp.wait();
+  device.hook = [&](const std::string& call) {
+    if (call != "StopGrabbing") return;
+    stopping.count_down();
+    EXPECT_EQ(start.get(), ZYN_OK);
+  };
+  EXPECT_EQ(camera.StopGrab(), ZYN_OK);
+  EXPECT_FALSE(camera.IsGrabbing());
+  while (Threads() > before) std::this_thread::yield();  // forever, when one is left
+  device.hook = nullptr;
+  device.afterIsGrabbing = nullptr;
+  DeliverTo(handler);
+}
+
+TEST_F(LogicCameraDelivery, StartingAndStoppingFromManyThreadsEndsWithoutAThread) {
+  Handler handler;
+  camera.RegisterImageHandler(&handler);
+  const std::size_t before = Threads();
+  std::latch together(4);
+  std::vector<std::future<void>> calls;
+  for (int i = 0; i < 4; ++i) {
+    calls.push_back(std::async(std::launch::async, [&, isStarting = i % 2 == 0] {
+      together.arrive_and_wait();
+      for (int round = 0; round < 200; ++round) {
+        if (isStarting) {
+          const long status = Start();
+          EXPECT_TRUE(status == ZYN_OK || status == ZYN_ERROR_ALREADY_GRABBING ||
+                      status == ZYN_ERROR_START_FAILED);
+        } else {
+          EXPECT_EQ(camera.StopGrab(), ZYN_OK);
+        }
+      }
+    }));
+  }
+  for (auto& call : calls) call.get();
+  EXPECT_EQ(camera.StopGrab(), ZYN_OK);
+  while (Threads() > before) std::this_thread::yield();  // forever, when one is left
+  DeliverTo(handler);
 }
 
 TEST_F(LogicCameraDelivery, AHandlerMayUseTheCamera) {

@@ -54,7 +54,9 @@ int FakeCamera::StopGrabbing() {
 
 bool FakeCamera::IsGrabbing() {
   Enter("IsGrabbing");
-  return isGrabbing;
+  const bool answer = isGrabbing;
+  if (afterIsGrabbing) afterIsGrabbing();
+  return answer;
 }
 
 void FakeCamera::Deliver(int result, FakeImage* image) {

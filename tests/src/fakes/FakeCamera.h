@@ -50,6 +50,7 @@ class FakeCamera : public KELGENICAM::ICamera {
 
   // Script. `hook` runs in every call with its name, and may throw or wait.
   std::function<void(const std::string& call)> hook;
+  std::function<void()> afterIsGrabbing;  ///< runs when the answer is known, before it is given
   int openResult = 0;
   int startResult = 0;
   bool comesUp = true;  ///< a successful start leaves it grabbing
