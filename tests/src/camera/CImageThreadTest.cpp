@@ -1,7 +1,9 @@
 #include "CImageThread.h"
 
 #include <gtest/gtest.h>
+#ifdef __linux__
 #include <pthread.h>
+#endif
 
 #include <atomic>
 #include <cstddef>
@@ -40,6 +42,7 @@ class Handler : public IImageHandler {
   std::function<void(ZynCamera, ZynImage&)> onImage;
 };
 
+#ifdef __linux__
 /// While it exists the system refuses every new thread: no stack of that size can be had.
 class NoMoreThreads {
  public:
@@ -61,6 +64,7 @@ class NoMoreThreads {
  private:
   pthread_attr_t usual_{};
 };
+#endif
 
 // A delivery thread of its own, over an open camera whose stream runs.
 class CImageThreadTest : public testing::Test {
@@ -413,6 +417,7 @@ TEST_F(CImageThreadTest, RegisteringEndsADeliveryThatRunsBeforeItReturns) {
   EXPECT_EQ(next.calls, 0);
 }
 
+#ifdef __linux__
 TEST_F(CImageThreadTest, WithoutAThreadToBeHadTheCallerLearnsAndTheFlagStays) {
   Handler handler;
   thread.Register(&handler);
@@ -433,6 +438,7 @@ TEST_F(CImageThreadTest, WithoutAThreadToBeHadTheCallerLearnsAndTheFlagStays) {
   EXPECT_TRUE(thread.HasThread());
   thread.Stop();
 }
+#endif
 
 TEST_F(CImageThreadTest, AHandlerThatStopsItsOwnCameraEndsTheDeliveryWithItsReturn) {
   FakeImage frame(4, 3, 1, 10);

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
+#ifdef __linux__
 #include <pthread.h>
+#endif
 
 #include <atomic>
 #include <cstddef>
@@ -383,6 +385,7 @@ TEST_F(LogicCameraDelivery, ClosingDoesNotWaitForTheDelivery) {
   EXPECT_EQ(handler.calls, 1);
 }
 
+#ifdef __linux__
 TEST_F(LogicCameraDelivery, AThreadThatTheSystemRefusesIsAnExceptionAndTheStreamRuns) {
   Handler handler;
   camera.RegisterImageHandler(&handler);
@@ -401,6 +404,7 @@ TEST_F(LogicCameraDelivery, AThreadThatTheSystemRefusesIsAnExceptionAndTheStream
   EXPECT_EQ(camera.StopGrab(), ZYN_OK);
   DeliverTo(handler);
 }
+#endif
 
 TEST(LogicCameraEndTest, StopsAndJoinsTheDeliveryBeforeAnythingElseEnds) {
   fakes::FakeTransport transport;
