@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "LaserCamera.h"
+#include "ProcessUsage.h"
 
 using namespace ZYNSDK;
 
@@ -43,6 +44,18 @@ TEST_P(EachMode, WritesItsFourFeaturesInOrderAndStarts) {
   EXPECT_EQ(camera.GetGrabType(), GetParam().type);
   EXPECT_EQ(device.strategy, KELGENICAM::GRAB_ONE_BY_ONE);
   EXPECT_EQ(device.count, -1);
+}
+
+// A handler can be registered through a 2D handle on the same camera.
+TEST_P(EachMode, NeverDeliversToAnImageHandler) {
+  struct Handler : IImageHandler {
+    void OnImage(ZynCamera, ZynImage&) override { ADD_FAILURE() << "an image"; }
+  } handler;
+  camera.RegisterImageHandler(&handler);
+  const std::size_t before = zyntest::CurrentUsage().threads;
+  EXPECT_EQ(camera.Start3DGrab(GetParam().type), ZYN_OK);
+  EXPECT_LE(zyntest::CurrentUsage().threads, before);
+  EXPECT_EQ(camera.Stop3DGrab(), ZYN_OK);
 }
 
 INSTANTIATE_TEST_SUITE_P(
