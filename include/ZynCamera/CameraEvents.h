@@ -16,8 +16,8 @@ enum ZynCameraEventType : int {
 
 /// What the application implements to hear of 2D cameras.
 ///
-/// Called on the SDK's scan thread, one call at a time. A handler may use the camera, search, open and grab;
-/// the next search waits for it. Design decisions:
+/// Called on the SDK's scan thread, one call at a time. A handler may use the camera, search, open, grab, and end
+/// the program with exit; the next search waits for it. Design decisions:
 /// - A handler must register or unregister no handler: that call would wait for the handler it is in, forever.
 ///   Pinned by CameraEventsDeathTest.AHandlerThatRegistersAHandlerNeverReturns.
 /// - An exception that leaves a handler ends the process, as it does on any thread.

@@ -15,6 +15,8 @@ ScanThread::ScanThread(CameraManager* manager, Tick tick) : manager_(manager), t
 }
 
 ScanThread::~ScanThread() {
+  // On the thread itself only when a handler ended the program: it never comes back from there.
+  if (thread_.get_id() == std::this_thread::get_id()) thread_.detach();
   Stop();
 }
 

@@ -13,7 +13,8 @@ class CameraManager;
 /// A thread that lets its manager scan at once and then every 300 ticks, until it is stopped. Between ticks it
 /// looks whether it shall stop, so stopping takes a tick at most, plus a scan that is running.
 ///
-/// Owned by the CameraManager. Stop and the destructor are for one thread at a time, and never for its own.
+/// Owned by the CameraManager. Stop and the destructor are for one thread at a time. Stop is never for the thread
+/// itself; the destructor is when what the thread runs ends the program, and then does not wait.
 /// An exception of the scan is not caught: on a thread it ends the process.
 class ScanThread {
  public:

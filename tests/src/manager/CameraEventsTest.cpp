@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <future>
+#include <latch>
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -38,6 +39,13 @@ using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
 namespace {
+
+// Like the transport's: readers need no lock.
+class FixedInfo : public FakeCameraInfo {
+ public:
+  using FakeCameraInfo::FakeCameraInfo;
+  void CopyFrom(const KELGENICAM::ICameraInfo&) override {}
+};
 
 // Two 2D cameras and one 3D camera. The scan thread stands still between its searches until a test lets it go on.
 class CameraEventsTest : public testing::Test {
@@ -354,6 +362,55 @@ TEST_F(CameraEventsTest, TheRegistryIsFreeWhileAHandlerRuns) {
   EndScanning();
 }
 
+// Shutting the transport down is not the end of the scan thread: it goes on and finds what the transport finds then.
+TEST_F(CameraEventsTest, ATransportThatIsShutDownMakesAllCamerasGoneAndTheThreadGoesOn) {
+  transport.hook = [this](const std::string& call) {
+    if (call == "UnInit") transport.SetPresent({});
+    if (call == "Init") transport.SetPresent({&a});
+  };
+  Register2D(&recorder);
+  EventsOfTheFirstSearch();
+  EXPECT_EQ(manager.ZynSDKUnInit(), 0);
+  EXPECT_THAT(log.Take(), IsEmpty());
+  EXPECT_THAT(EventsOfTheNextSearch(), UnorderedElementsAre(Event("A", 2), Event("B", 2)));
+  EXPECT_EQ(manager.ZynSDKInit(), 0);
+  EXPECT_THAT(EventsOfTheNextSearch(), ElementsAre(Event("A", 1)));
+  EndScanning();
+}
+
+TEST_F(CameraEventsTest, RegisteringAndUnregisteringFromManyThreadsEndsWithoutAThread) {
+  FixedInfo fixed("A", "Area-1");
+  FixedInfo fixedLaser("L", "VX7-3000");
+  transport.SetPresent({&fixed, &fixedLaser});
+  auto token = std::make_shared<int>(0);  // held by whatever holds the tick
+  CameraManager own([token] { std::this_thread::yield(); });
+  const long withoutThread = token.use_count();
+  std::latch together(4);
+  std::vector<std::future<void>> calls;
+  for (int i = 0; i < 4; ++i) {
+    calls.push_back(std::async(std::launch::async, [&, is3D = i % 2 == 0] {
+      fakes::EventLog mine;
+      EventRecorder handler(mine);  // destroyed as soon as it is registered no more
+      together.arrive_and_wait();
+      for (int round = 0; round < 100; ++round) {
+        if (is3D) {
+          EXPECT_EQ(own.Register3DCameraEventHandler(round % 2 == 0 ? &handler : nullptr), 0);
+        } else {
+          EXPECT_EQ(own.RegisterCameraEventHandler(round % 2 == 0 ? &handler : nullptr), 0);
+        }
+      }
+    }));
+  }
+  for (auto& call : calls) call.get();
+  own.RegisterCameraEventHandler(nullptr);
+  own.Register3DCameraEventHandler(nullptr);
+  EXPECT_EQ(token.use_count(), withoutThread);
+  const int searches = Searches();
+  own.RegisterCameraEventHandler(&recorder);  // still works
+  while (Searches() == searches) std::this_thread::yield();
+  own.RegisterCameraEventHandler(nullptr);
+}
+
 TEST_F(CameraEventsTest, AThreadThatCannotBeMadeIsReportedAndTriedForAgain) {
   // The thread takes a copy of the tick; a copy that fails is the nearest thing to a system without threads.
   struct Tick {
@@ -407,11 +464,6 @@ TEST_F(CameraEventsTest, SearchingForALongTimeKeepsOneRecordOfACameraThatDoesNot
 
 // Descriptions alternate with every search while other threads read them, over old handles and new ones.
 TEST_F(CameraEventsTest, DescriptionsMayBeReadWhileTheScanThreadReplacesThem) {
-  class FixedInfo : public FakeCameraInfo {
-   public:
-    using FakeCameraInfo::FakeCameraInfo;
-    void CopyFrom(const KELGENICAM::ICameraInfo&) override {}  // like the transport's: readers need no lock
-  };
   FixedInfo one("A", "Area-1");
   FixedInfo two("A", "VX7-1");
   transport.SetPresent({&one});
@@ -458,6 +510,28 @@ TEST(CameraEventsDeathTest, AHandlerThatRegistersAHandlerNeverReturns) {
         std::promise<void>().get_future().wait();  // for the end
       },
       testing::KilledBySignal(SIGALRM), "");
+}
+
+// The manager ends on its own scan thread then, which cannot wait for itself.
+TEST(CameraEventsDeathTest, AHandlerMayEndTheProgram) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  static CameraManager* manager = nullptr;
+  EXPECT_EXIT(
+      {
+        FakeTransport transport;
+        FakeCameraInfo info("A", "Area-1");
+        transport.present = {&info};
+        fakes::EventLog log;
+        EventRecorder recorder(log);
+        recorder.hook = [] {
+          delete manager;
+          std::_Exit(7);
+        };
+        manager = new CameraManager;
+        manager->RegisterCameraEventHandler(&recorder);
+        std::promise<void>().get_future().wait();  // for the end
+      },
+      testing::ExitedWithCode(7), "");
 }
 
 TEST(CameraEventsDeathTest, AnExceptionOfAHandlerEndsTheProcess) {
