@@ -79,8 +79,8 @@ class ZYNSDK_API ZynColorArray {
   int Height() const;  ///< rows
   int Length() const;  ///< points
   int Channel() const;
-  unsigned char* Data()
-      const;     ///< Length() * Channel() bytes, null when there are none. Valid until the shape changes
+  /// Length() * Channel() bytes, null when there are none. Valid until CreateColorArray or another shape.
+  unsigned char* Data() const;
   void Clear();  ///< width and height 0, channel 1, no bytes
 
   ZynColorArray DeepCopy() const;  ///< a copy with colors of its own; an empty array when there are no bytes

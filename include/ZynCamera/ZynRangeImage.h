@@ -63,7 +63,9 @@ class ZYNSDK_API ZynRangeImage {
   /// Everything as in an empty range image: no values, no colors, resolutions 1, all other numbers 0.
   void Clear();
 
-  void* Data() const;                ///< the values, null when there are none. Valid until the shape changes
+  /// The values, null when there are none. Valid until CreateRangeImage or another shape: grabbing one scan after the
+  /// other into a range image leaves them where they are.
+  void* Data() const;
   unsigned char* ColorData() const;  ///< the colors' bytes, null when there are none
   ZynImageType DataType() const;
   int Width() const;   ///< values per row

@@ -51,10 +51,9 @@ bool ColorArray::Create(const void* data, int width, int height, int channel) {
 
 void ColorArray::SetSize(int width, int height, int channel) {
   if (width < 0 || height < 0 || !IsChannel(channel)) return;
-  RecycledVector<unsigned char> bytes;
-  bytes.ResizeForOverwrite(GridBytes(width, height, static_cast<std::size_t>(channel)));
-  InitMatData(bytes);
-  Take(std::move(bytes), width, height, channel);
+  bytes_.ResizeAndForget(GridBytes(width, height, static_cast<std::size_t>(channel)));
+  InitMatData(bytes_);
+  SetShape(width, height, channel);
 }
 
 void ColorArray::SetValue(const void* data, int channel, int startRow, int endRow) {
@@ -125,6 +124,10 @@ unsigned char* ColorArray::Point(int index) const {
 
 void ColorArray::Take(RecycledVector<unsigned char> bytes, int width, int height, int channel) {
   bytes_ = std::move(bytes);
+  SetShape(width, height, channel);
+}
+
+void ColorArray::SetShape(int width, int height, int channel) {
   width_ = width;
   height_ = height;
   channel_ = channel;

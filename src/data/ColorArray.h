@@ -37,6 +37,7 @@ class ColorArray : public CRef {
   bool HasPoint(int index) const { return index >= 0 && index < Length(); }
   unsigned char* Point(int index) const;
   void Take(RecycledVector<unsigned char> bytes, int width, int height, int channel);
+  void SetShape(int width, int height, int channel);
 
   RecycledVector<unsigned char> bytes_;
   int width_ = 0;

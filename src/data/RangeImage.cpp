@@ -68,10 +68,8 @@ bool RangeImage::Create(const void* data, int width, int height, int stride, Zyn
 
 void RangeImage::SetSize(int width, int height, ZynImageType type) {
   if (!IsType(type) || width < 1 || height < 1) return;
-  RecycledVector<unsigned char> values;
-  values.ResizeForOverwrite(GridBytes(width, height, BytesOf(type)));
-  InitMatData(values);
-  Take(std::move(values), width, height, type);
+  Reshape(width, height, type);
+  InitMatData(values_);
 }
 
 bool RangeImage::SetValue(const void* data, int type, double minValue, double maxValue, int startRow,
@@ -86,10 +84,8 @@ bool RangeImage::SetValue(const void* data, int type, double minValue, double ma
 bool RangeImage::SetAllValues(const void* data, int width, int height, ZynImageType type, double minValue,
                               double maxValue) {
   if (!data || !IsType(type) || width < 1 || height < 1) return false;
-  RecycledVector<unsigned char> values;
-  values.ResizeForOverwrite(GridBytes(width, height, BytesOf(type)));
-  std::memcpy(values.Data(), data, values.Size());
-  Take(std::move(values), width, height, type);
+  Reshape(width, height, type);
+  std::memcpy(values_.Data(), data, values_.Size());
   Widen(minValue, maxValue);
   return true;
 }
@@ -171,6 +167,16 @@ std::size_t RangeImage::wchar_to_char(char* dst, const wchar_t* src) {
 
 void RangeImage::Take(RecycledVector<unsigned char> values, int width, int height, ZynImageType type) {
   values_ = std::move(values);
+  SetShape(width, height, type);
+}
+
+// Without moving the values when there is room: whoever grabs scan after scan may keep the pointer to them.
+void RangeImage::Reshape(int width, int height, ZynImageType type) {
+  values_.ResizeAndForget(GridBytes(width, height, BytesOf(type)));
+  SetShape(width, height, type);
+}
+
+void RangeImage::SetShape(int width, int height, ZynImageType type) {
   width_ = width;
   height_ = height;
   type_ = type;

@@ -30,8 +30,8 @@ class RangeImage : public CRef {
   void SetSize(int width, int height, ZynImageType type);
   void SetAxes(const RangeAxes& axes) { axes_ = axes; }
   bool SetValue(const void* data, int type, double minValue, double maxValue, int startRow, int endRow);
-  /// SetSize, then SetValue of all rows, but writes every value once. False, and nothing changed, when `data` is
-  /// null or SetSize would do nothing.
+  /// SetSize, then SetValue of all rows, but writes every value once. `data` lies outside this range image. False,
+  /// and nothing changed, when `data` is null or SetSize would do nothing.
   bool SetAllValues(const void* data, int width, int height, ZynImageType type, double minValue,
                     double maxValue);
   void Clear();
@@ -64,6 +64,8 @@ class RangeImage : public CRef {
   std::size_t RowBytes() const { return static_cast<std::size_t>(width_) * elementBytes_; }
   void Widen(double minValue, double maxValue);
   void Take(RecycledVector<unsigned char> values, int width, int height, ZynImageType type);
+  void Reshape(int width, int height, ZynImageType type);
+  void SetShape(int width, int height, ZynImageType type);
 
   RecycledVector<unsigned char> values_;
   ZynColorArray colors_;

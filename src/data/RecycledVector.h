@@ -94,6 +94,12 @@ class RecycledVector {
     size_ = count;
   }
 
+  /// All elements, the old ones too, hold whatever the memory holds. Stays where it is when there is room.
+  void ResizeAndForget(std::size_t count) {
+    if (Checked(0, count) > Capacity()) memory_ = PixelMemory(count * sizeof(T));
+    size_ = count;
+  }
+
   void Clear() { size_ = 0; }  ///< keeps the memory
   void Free() { *this = RecycledVector(); }
 

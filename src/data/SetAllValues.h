@@ -5,8 +5,8 @@
 
 namespace ZYNSDK {
 
-/// SetSize, then SetValue of all rows, but writes every value once: `data` holds the rows packed. False, and
-/// nothing changed, when `data` is null or SetSize would do nothing. Raises what SetSize does.
+/// SetSize, then SetValue of all rows, but writes every value once: `data` holds the rows packed, outside the
+/// range image. False, and nothing changed, when `data` is null or SetSize would do nothing. Raises what SetSize does.
 bool SetAllValues(ZynRangeImage& range, const void* data, int width, int height, ZynImageType type,
                   double minValue, double maxValue);
 

@@ -211,6 +211,17 @@ TEST(ZynColorArray, SetSizeFillsTheBytesWithThePattern) {
   EXPECT_EQ(Content(colors), (Bytes{0x0D, 0xF0, 0xAD, 0xBA, 0x0D, 0xF0}));
 }
 
+TEST(ZynColorArray, AShapeThatFitsLeavesTheBytesWhereTheyAre) {
+  ZynColorArray colors;
+  colors.SetSize(100, 100, 4);
+  const unsigned char* bytes = colors.Data();
+  colors.SetSize(100, 100, 4);
+  EXPECT_EQ(colors.Data(), bytes);
+  colors.SetSize(2, 1, 3);
+  EXPECT_EQ(colors.Data(), bytes);
+  EXPECT_EQ(Content(colors), (Bytes{0x0D, 0xF0, 0xAD, 0xBA, 0x0D, 0xF0}));
+}
+
 TEST(ZynColorArray, SetSizeAllowsNoPoints) {
   ZynColorArray colors = Grid(1, 1, 1);
   colors.SetSize(0, 5, 3);

@@ -270,6 +270,25 @@ TEST(ZynRangeImage, SetSizeFillsTheValuesWithThePattern) {
   EXPECT_EQ(ElementBytes(range), 4U);
 }
 
+TEST(ZynRangeImage, AShapeThatFitsLeavesTheValuesWhereTheyAre) {
+  Bytes data = Counting(20000);
+  ZynRangeImage range;
+  range.SetSize(100, 100, ZYN_IMAGE_U16);
+  const void* values = range.Data();
+  range.SetSize(100, 100, ZYN_IMAGE_U16);
+  EXPECT_EQ(range.Data(), values);
+  EXPECT_TRUE(SetAllValues(range, data.data(), 100, 100, ZYN_IMAGE_U16, 0, 9));
+  EXPECT_EQ(range.Data(), values);
+  EXPECT_EQ(Content(range), data);
+  range.SetSize(3, 2, ZYN_IMAGE_U8);
+  EXPECT_EQ(range.Data(), values);
+  EXPECT_EQ(Content(range), (Bytes{0x0D, 0xF0, 0xAD, 0xBA, 0x0D, 0xF0}));
+  range.Clear();
+  EXPECT_EQ(range.Data(), nullptr);
+  range.SetSize(100, 100, ZYN_IMAGE_U16);
+  EXPECT_EQ(range.Data(), values);
+}
+
 TEST(ZynRangeImage, SetSizeTakesEveryType) {
   for (const auto& [type, bytes] : kElementBytes) {
     ZynRangeImage range;

@@ -50,6 +50,20 @@ TEST(RecycledVector, ClearKeepsTheMemoryAndFreeGivesItBack) {
   EXPECT_EQ(bytes.Data(), nullptr);
 }
 
+TEST(RecycledVector, ForgettingItsElementsStaysWhereItIsWhenThereIsRoom) {
+  Bytes bytes;
+  bytes.ResizeAndForget(100000);
+  EXPECT_EQ(bytes.Size(), 100000U);
+  const unsigned char* data = bytes.Data();
+  bytes.ResizeAndForget(10);
+  bytes.ResizeAndForget(100000);
+  EXPECT_EQ(bytes.Data(), data);
+  EXPECT_THROW(bytes.ResizeAndForget(Bytes::kMostElements + 1), std::length_error);
+  EXPECT_EQ(bytes.Size(), 100000U);
+  bytes.ResizeAndForget(300000);
+  EXPECT_GE(bytes.Capacity(), 300000U);
+}
+
 TEST(RecycledVector, KeepsItsElementsWhenItGrows) {
   RecycledVector<std::uint16_t> numbers;
   for (std::uint16_t i = 0; i < 60000; ++i) numbers.Append(i);
