@@ -38,7 +38,7 @@ struct ScanFrame {
 class BatchScan {
  public:
   /// Raises std::bad_alloc for a negative length or count, for a scan that no range image can hold, and when
-  /// memory is short. A length or count of 0 is a scan without points, which ends with its first frame.
+  /// memory is short. A length or count of 0 is a scan without points; with a count of 0 every frame ends one.
   explicit BatchScan(const ScanGeometry& geometry);
   BatchScan(const BatchScan&) = delete;
   BatchScan& operator=(const BatchScan&) = delete;

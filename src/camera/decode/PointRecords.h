@@ -8,10 +8,10 @@ namespace ZYNSDK {
 
 /// Decoding of what a laser-profile camera sends: records of 4 bytes, one per point, without a gap.
 ///
-/// byte        0   1                                              2              3 profile     -
-/// intensity; its low two bits: height bits 9-8   height 7-0     - contour     -   intensity
-/// height 15-8    height 7-0 batch       -   intensity                                      height 15-8
-/// height 7-0
+///   byte       0   1                                        2             3
+///   profile    -   intensity; low two bits: height 9-8      height 7-0    -
+///   contour    -   intensity                                height 15-8   height 7-0
+///   batch      -   intensity                                height 15-8   height 7-0
 ///
 /// All functions take `bytes` bytes at `records`, read nothing else, and write PointCount(bytes) heights
 /// and as many intensities, nothing else. A last record that is cut short is read as if its missing bytes
