@@ -293,9 +293,13 @@ TEST(Zyn3DCameraHandle, EveryGrabReachesTheDevice) {
     EXPECT_EQ(camera.StartGrab(type), 0);
     EXPECT_EQ(camera.GetGrabType(), type);
     EXPECT_EQ(grab(), 0);
+    EXPECT_EQ(device.timeoutMs, 7);
     EXPECT_EQ(camera.StopGrab(), 0);
+    device.isGrabbing = true;  // the type has ended, and not the stream alone
     EXPECT_EQ(camera.GetGrabType(), ZYN_3D_GRAB_NONE);
+    device.isGrabbing = false;
   };
+  EXPECT_EQ(camera.SetGrabTimeout(7), 0);
   grabOnce(ZYN_3D_GRAB_PROFILE, [&] { return camera.GrabData(&image, &heights, &intensity); });
   EXPECT_EQ(image.Width(), 4);
   EXPECT_EQ(heights[0], 258);
@@ -349,6 +353,15 @@ TEST(Zyn3DCameraHandle, GivesTheFeaturesThatA2DHandleOnTheSameCameraGives) {
   EXPECT_EQ(camera.GetNode("BatchNumber", &node), 0);
   EXPECT_EQ(cameras[0].GetRemoteNode("BatchNumber", &sameNode), 0);
   EXPECT_EQ(InternalOf(node), InternalOf(sameNode));
+  ZynNodeArray nodes;
+  ZynNodeArray sameNodes;
+  EXPECT_EQ(camera.GetNodes(&nodes), 0);
+  EXPECT_EQ(cameras[0].GetRemoteNodes(&sameNodes), 0);
+  ASSERT_GT(nodes.length(), 0U);
+  ASSERT_EQ(nodes.length(), sameNodes.length());
+  for (int i = 0; i < static_cast<int>(nodes.length()); ++i) {
+    EXPECT_EQ(InternalOf(nodes[i]), InternalOf(sameNodes[i])) << i;
+  }
   EXPECT_EQ(camera.Close(), 0);
 }
 

@@ -3,6 +3,8 @@
 #include <climits>
 #include <cstdint>
 #include <functional>
+#include <future>
+#include <latch>
 #include <list>
 #include <set>
 #include <stdexcept>
@@ -164,6 +166,16 @@ TEST_F(BatchGrab, AWholeScanIsDelivered) {
   EXPECT_EQ(device.timeoutMs, 5000);
 }
 
+TEST_F(BatchGrab, ScansOfOneShapeComeToOnePlace) {
+  ASSERT_EQ(Start(), ZYN_OK);
+  for (int i = 0; i < 6; ++i) Deliver(1, i * 20, 20);
+  EXPECT_EQ(Grab(), ZYN_OK);
+  const void* heights = range.Data();
+  EXPECT_EQ(Grab(), ZYN_OK);
+  EXPECT_EQ(range.Data(), heights);
+  ExpectPoints(0, 50, 60);
+}
+
 TEST_F(BatchGrab, AScanCarriesTheLibrarysResolutions) {
   ASSERT_EQ(Start(), ZYN_OK);
   for (int i = 0; i < 3; ++i) Deliver(1, i * 20, 20);
@@ -319,6 +331,13 @@ INSTANTIATE_TEST_SUITE_P(
                   device.Deliver(-2, &frame.image);
                 },
                 ZYN_ERROR_GRAB_FAILED},
+        Failure{"AStreamThatRunsNoMore",
+                [](Frame&, fakes::FakeCamera& device) {
+                  device.hook = [&device](const std::string& call) {
+                    if (call == "Grab") device.isGrabbing = false;
+                  };
+                },
+                ZYN_ERROR_NOT_GRABBING},
         Failure{"SuccessWithoutAFrame", [](Frame&, fakes::FakeCamera& device) { device.Deliver(0, nullptr); },
                 ZYN_ERROR_NO_FRAME},
         Failure{"AnInvalidFrame",
@@ -439,6 +458,16 @@ TEST_F(BatchGrab, AnOutlineLengthOnceReadStaysUntilAnotherIsRead) {
   for (int i = 0; i < 3; ++i) Deliver(1, i * 20, 20);
   EXPECT_EQ(Grab(), ZYN_OK);
   EXPECT_EQ(range.Width(), 5);
+}
+
+TEST_F(BatchGrab, ACameraWithoutABatchNumberMakesNoScan) {
+  ASSERT_EQ(Start(), ZYN_OK);  // with a number, which shall not stay
+  camera.Stop3DGrab();
+  OfferWithout("BatchNumber");
+  ASSERT_EQ(Start(), ZYN_OK);
+  for (int i = 0; i < 3; ++i) Deliver(1, i * 20, 20);
+  EXPECT_EQ(Grab(), ZYN_ERROR_GRAB_FAILED);
+  EXPECT_EQ(range.Data(), nullptr);
 }
 
 TEST_F(BatchGrab, ACameraWithoutALineCountHasAFrameCount) {
@@ -562,6 +591,34 @@ TEST_F(BatchGrab, AStopBetweenWaitAndAssemblyIsAnOrderlyEnd) {
   }
 }
 
+TEST_F(BatchGrab, ClosingInTheMiddleOfAScanEndsTheGrab) {
+  ASSERT_EQ(Start(), ZYN_OK);
+  std::latch entered(1);
+  std::latch allowed(1);
+  device.hook = [&](const std::string& call) {
+    if (call != "Grab" || device.calls.Count("Grab") != 2) return;
+    entered.count_down();
+    allowed.wait();
+  };
+  Deliver(1, 0, 20);
+  Deliver(1, 20, 20);
+  auto grab = std::async(std::launch::async, [&] { return Grab(); });
+  entered.wait();
+  EXPECT_EQ(camera.Close3D(), ZYN_OK);
+  EXPECT_EQ(device.Releases(), 0);
+  allowed.count_down();
+  EXPECT_EQ(grab.get(), ZYN_ERROR_NOT_OPEN);
+  EXPECT_EQ(device.Releases(), 1);
+  EXPECT_EQ(range.Data(), nullptr);
+  for (Frame& frame : frames) EXPECT_EQ(frame.image.Releases(), 1);
+  // Opened again, the camera starts with an empty scan.
+  ASSERT_EQ(camera.Open3D(), ZYN_OK);
+  ASSERT_EQ(Start(), ZYN_OK);
+  for (int i = 0; i < 3; ++i) reopened.Deliver(0, &frames.emplace_back(1, Records(i * 20, 20)).image);
+  EXPECT_EQ(Grab(), ZYN_OK);
+  ExpectPoints(0, 50, 0);
+}
+
 TEST_F(BatchGrab, StoppingWhileAnotherThreadAssemblesIsSafe) {
   SetGeometry(500, 40, 10);
   constexpr int kFrames = 400;
@@ -676,6 +733,27 @@ TEST_F(BatchGrab, WithoutEitherCountTheBatchNumberIsNotWritten) {
   device.remoteMap.map = without.Map();
   EXPECT_EQ(camera.SetBatchCount(ZYN_XML_REMOTE_DEVICE, 250), ZYN_ERROR_NO_SUCH_NODE);
   EXPECT_TRUE(without.Written().empty());
+  camera.Close3D();
+}
+
+TEST_F(BatchGrab, OfTwoCountsThatFailTheWriteAnswersForTheFirstAndTheReadForTheSecond) {
+  fakes::LaserFeatures features;
+  features.Drop("AcquisitionLineCount");
+  features.Drop("AcquisitionFrameCount");
+  fakes::LaserNodeMap without(features);
+  device.hook = [this](const std::string& call) {
+    if (call == "RemoteDeviceNodeMap" && device.calls.Count(call) == 2) device.remoteMap.map = nullptr;
+  };
+  device.remoteMap.map = without.Map();
+  device.calls.Clear();
+  EXPECT_EQ(camera.SetBatchCount(ZYN_XML_REMOTE_DEVICE, 250), ZYN_ERROR_NO_SUCH_NODE);
+  EXPECT_EQ(device.calls.Count("RemoteDeviceNodeMap"), 2);
+  device.remoteMap.map = without.Map();
+  device.calls.Clear();
+  int count = 7;
+  EXPECT_EQ(camera.GetBatchCount(ZYN_XML_REMOTE_DEVICE, &count), ZYN_ERROR_NO_NODE_MAP);
+  EXPECT_EQ(count, 7);
+  device.hook = nullptr;
   camera.Close3D();
 }
 

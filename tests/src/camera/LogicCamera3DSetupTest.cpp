@@ -144,6 +144,21 @@ TEST_F(LogicCamera3DSetup, AStreamThatDoesNotStartLeavesTheType) {
   EXPECT_EQ(camera.GetGrabType(), ZYN_3D_GRAB_CONTOUR);
 }
 
+TEST_F(LogicCamera3DSetup, NoImageHandlerIsServed) {
+  struct Handler : IImageHandler {
+    void OnImage(ZynCamera /*camera*/, ZynImage& /*image*/) override { ADD_FAILURE(); }
+  } handler;
+  camera.RegisterImageHandler(&handler);
+  for (Zyn3DGrabType type : {ZYN_3D_GRAB_PROFILE, ZYN_3D_GRAB_CONTOUR, ZYN_3D_GRAB_BATCH}) {
+    const std::size_t threads = zyntest::CurrentUsage().threads;
+    EXPECT_EQ(camera.Start3DGrab(type), ZYN_OK);
+    EXPECT_LE(zyntest::CurrentUsage().threads, threads);
+    EXPECT_EQ(camera.Stop3DGrab(), ZYN_OK);
+  }
+  camera.RegisterImageHandler(nullptr);
+  EXPECT_EQ(device.calls.Count("Grab"), 0);
+}
+
 TEST_F(LogicCamera3DSetup, AStreamThatDoesNotComeUpIsACode) {
   device.comesUp = false;
   EXPECT_EQ(camera.Start3DGrab(ZYN_3D_GRAB_PROFILE), ZYN_ERROR_START_FAILED);
