@@ -97,3 +97,48 @@ TEST(OutOfMemory, AFailedWriteAlsoForgetsARegisterWhoseMemoryWasDropped) {
   port.Set(0x1, {5});
   EXPECT_EQ(integer("Dependent").GetValue(), 5);
 }
+
+TEST(OutOfMemory, CachedReadsNeedNoMemory) {
+  MemoryPort port;
+  CNodeMapRef map;
+  map._LoadXMLFromString(
+      Description(
+          Register("IntReg", "R", 0x10, 4) +
+          Register("MaskedIntReg", "M", 0x10, 4, "<LSB>0</LSB><MSB>3</MSB>") +
+          "<Integer Name=\"I\"><pIsAvailable>R</pIsAvailable><pValue>R</pValue><pMax>R</pMax></Integer>"
+          "<SwissKnife Name=\"K\"><pVariable Name=\"A\">R</pVariable><Formula>A*2</Formula></SwissKnife>"
+          "<Converter "
+          "Name=\"C\"><FormulaTo>FROM*10</FormulaTo><FormulaFrom>TO/10</FormulaFrom><pValue>R</pValue>"
+          "</Converter><Float Name=\"F\"><pValue>C</pValue></Float>"
+          "<Enumeration Name=\"E\"><EnumEntry Name=\"X\"><Value>3</Value></EnumEntry><pValue>R</pValue>"
+          "</Enumeration><Boolean Name=\"B\"><pValue>R</pValue><OnValue>3</OnValue></Boolean>")
+          .c_str());
+  map._Connect(&port);
+  port.Set(0x10, {3});
+  CIntegerPtr integer(map._GetNode("I"));
+  CIntegerPtr field(map._GetNode("M"));
+  CFloatPtr knife(map._GetNode("K"));
+  CFloatPtr real(map._GetNode("F"));
+  CEnumerationPtr enumeration(map._GetNode("E"));
+  CBooleanPtr boolean(map._GetNode("B"));
+  double sum = 0;
+  const auto readAll = [&] {
+    sum = static_cast<double>(integer->GetValue() + field->GetValue() + enumeration->GetIntValue()) +
+          knife->GetValue() + real->GetValue() + (boolean->GetValue() ? 1 : 0) +
+          (integer->GetAccessMode() == RW ? 100 : 0);
+  };
+  readAll();
+  const int reads = port.reads;
+  sum = 0;
+  bool failed = false;
+  hasNoMemory = true;
+  try {
+    readAll();
+  } catch (const std::bad_alloc&) {
+    failed = true;
+  }
+  hasNoMemory = false;
+  EXPECT_FALSE(failed);
+  EXPECT_DOUBLE_EQ(sum, 9 + 6 + 0.3 + 1 + 100);
+  EXPECT_EQ(port.reads, reads);
+}
