@@ -137,4 +137,35 @@ TEST(Events, AProcessMayExitWithAHandlerRegistered) {
       testing::ExitedWithCode(0), "");
 }
 
+TEST(Events, AHandlerMayExitTheProcess) {
+  testing::GTEST_FLAG(death_test_style) = "threadsafe";
+  const FakeGigeCamera fake(1);
+  class Exiter : public ZYNSDK::ICameraEventHandler {
+   public:
+    void OnCameraEvent(ZynCamera, ZYNSDK::ZynCameraEventType) override {
+      std::exit(7);  // NOLINT(concurrency-mt-unsafe): that is what is tested
+    }
+  };
+  EXPECT_EXIT(
+      {
+        ZYNSDK::RegisterCameraEventHandler(new Exiter);  // outlives the library
+        std::promise<void>().get_future().wait();        // for the end
+      },
+      testing::ExitedWithCode(7), "");
+}
+
+TEST(Events, ShuttingTheTransportDownMakesCamerasGoneAndTheWatchGoesOn) {
+  const FakeGigeCamera fake(1);
+  Recorder recorder;
+  ASSERT_EQ(ZYNSDK::RegisterCameraEventHandler(&recorder), 0);
+  recorder.WaitFor({"GV01", ZYNSDK::ZYN_CAMERA_APPEARED});
+  EXPECT_EQ(ZYNSDK::ZynSDKUnInit(), 0);
+  recorder.WaitFor({"GV01", ZYNSDK::ZYN_CAMERA_GONE});
+  EXPECT_EQ(ZYNSDK::ZynSDKInit(), 0);
+  const FakeGigeCamera second(2);
+  recorder.WaitFor({"GV02", ZYNSDK::ZYN_CAMERA_APPEARED});
+  EXPECT_EQ(ZYNSDK::RegisterCameraEventHandler(nullptr), 0);
+  EXPECT_EQ(recorder.Of("GV01"), (std::vector<Event>{{"GV01", 1}, {"GV01", 2}, {"GV01", 1}}));
+}
+
 }  // namespace
