@@ -21,8 +21,8 @@ constexpr std::chrono::seconds kDuration{20};
 
 /// How often each kind of work came to a good end, over all threads.
 struct Successes {
-  std::atomic<int> searches{0}, opens{0}, closes{0}, reads{0}, writes{0}, starts{0}, images{0}, events{0},
-      events3D{0};
+  std::atomic<int> searches{0}, opens{0}, closes{0}, reads{0}, writes{0}, starts{0}, images{0}, delivered{0},
+      events{0}, events3D{0};
 };
 
 /// An answer is success or a code; 101040 would be an exception, which this transport has none of.
@@ -59,11 +59,33 @@ class Handler : public ICameraEventHandler, public I3DCameraEventHandler {
   Successes& successes_;
 };
 
+/// All pixels of a frame are equal.
+void ExpectOneFrame(const ZynImage& image) {
+  const unsigned char* pixels = image.ImageData();
+  EXPECT_TRUE(std::all_of(pixels, pixels + image.Step() * image.Height(),
+                          [first = pixels[0]](unsigned char pixel) { return pixel == first; }))
+      << "bytes of another frame";
+}
+
+/// Looks at each image that is delivered.
+class ImageHandler : public IImageHandler {
+ public:
+  explicit ImageHandler(Successes& successes) : successes_(successes) {}
+  void OnImage(ZynCamera camera, ZynImage& image) override {
+    ExpectOneFrame(image);
+    camera.IsGrabbing();
+    ++successes_.delivered;
+  }
+
+ private:
+  Successes& successes_;
+};
+
 /// One application thread: picks work at random until the time is over.
 class Worker {
  public:
   Worker(unsigned int seed, Successes& successes)
-      : random_(seed), successes_(successes), handler_(successes) {}
+      : random_(seed), successes_(successes), handler_(successes), imageHandler_(successes) {}
 
   void Run(std::chrono::steady_clock::time_point end) {
     while (std::chrono::steady_clock::now() < end) Work();
@@ -101,6 +123,8 @@ class Worker {
       case 13:
       case 14:
         return Use3D();
+      case 15:
+        return RegisterForImages();
       default:
         return Choose(2) == 0 ? Grab() : ReadOrWrite();
     }
@@ -166,11 +190,7 @@ class Worker {
     ZynImage image;
     ZynChunkData chunk;
     if (!Succeeded(camera.GrabImage(&image, &chunk))) return;
-    const unsigned char* pixels = image.ImageData();
-    const unsigned char value = pixels[0];
-    EXPECT_TRUE(std::all_of(pixels, pixels + image.Step() * image.Height(), [value](unsigned char pixel) {
-      return pixel == value;
-    })) << "bytes of another frame";
+    ExpectOneFrame(image);
     ++successes_.images;
   }
 
@@ -215,6 +235,9 @@ class Worker {
       Register3DCameraEventHandler(&handler_);
     }
   }
+  void RegisterForImages() {
+    EXPECT_EQ(Pick().RegisterImageHandler(Choose(3) == 0 ? nullptr : &imageHandler_), 0);
+  }
   void Unregister() {
     if (Choose(2) == 0) {
       RegisterCameraEventHandler(nullptr);
@@ -226,6 +249,7 @@ class Worker {
   std::minstd_rand random_;
   Successes& successes_;
   Handler handler_;
+  ImageHandler imageHandler_;
   std::vector<ZynCameraAttribute> kept_;
 };
 
@@ -233,6 +257,7 @@ void CloseEverything() {
   for (const char* serialNumber : {"S0", "S1", "S2"}) {
     ZynCamera camera;
     ASSERT_EQ(DiscoveryCamera(serialNumber, &camera), 0);
+    camera.RegisterImageHandler(nullptr);
     camera.Close();
   }
   Zyn3DCamera camera;
@@ -267,8 +292,10 @@ TEST(Stress, EightThreadsDoEverythingAtOnceAndNothingIsLeftBehind) {
   EXPECT_GT(successes.writes, 0);
   EXPECT_GT(successes.starts, 0);
   EXPECT_GT(successes.images, 0);
+  EXPECT_GT(successes.delivered, 0);
   EXPECT_GT(successes.events, 0);
   EXPECT_GT(successes.events3D, 0);
   RecordProperty("images", successes.images);
+  RecordProperty("delivered", successes.delivered);
   RecordProperty("events", successes.events);
 }
