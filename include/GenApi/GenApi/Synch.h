@@ -8,18 +8,35 @@
 
 namespace GENAPI_NAMESPACE {
 
+class LockDepth;
+
 /// A recursive mutex. Whoever locked it n times unlocks it n times, on the same thread.
 class GENAPI_DECL CLock {
  public:
-  CLock() {}
+  CLock() : m_Depth(0) {}
   ~CLock() {}
   CLock(const CLock&) = delete;
   CLock& operator=(const CLock&) = delete;
 
   /// Returns false at once when another thread holds the lock.
-  bool TryLock() { return m_Mutex.try_lock(); }
-  void Lock() { m_Mutex.lock(); }
-  void Unlock() { m_Mutex.unlock(); }
+  bool TryLock() {
+    if (!m_Mutex.try_lock()) return false;
+    ++m_Depth;
+    return true;
+  }
+  void Lock() {
+    m_Mutex.lock();
+    ++m_Depth;
+  }
+  void Unlock() {
+    --m_Depth;
+    m_Mutex.unlock();
+  }
+
+ protected:
+  friend class LockDepth;
+  // How often the thread that holds the lock has locked it; only that thread may ask.
+  int m_Depth;
 
  private:
   std::recursive_mutex m_Mutex;

@@ -1,5 +1,7 @@
 #include "GenApi/NodeCallback.h"
 
+#include "nodes/Node.h"
+
 namespace GENAPI_NAMESPACE {
 
 CNodeCallback::~CNodeCallback() = default;
@@ -9,7 +11,9 @@ void Deregister(CallbackHandleType hCallback) {
   // The handle of a registration is the address of its callback.
   // NOLINTNEXTLINE(performance-no-int-to-ptr): the published type of a handle is an integer
   auto* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
-  callback->GetNode()->DeregisterCallback(hCallback);
+  INode* const node = callback->GetNode();
+  if (auto* const own = dynamic_cast<zyn::genapi::Node*>(node)) return own->DeregisterAndDestroy(hCallback);
+  node->DeregisterCallback(hCallback);
   callback->Destroy();
 }
 

@@ -148,7 +148,7 @@ void NodeMap::SetSuppressCallbackMode(ECallbackSuppressMode mode) {
 
 void NodeMap::CollectCallbacks(const std::vector<NodeId>& changed,
                                std::vector<CNodeCallback*>& callbacks) const {
-  if (ConsumeSuppression() || callbackCount_ == 0) return;
+  if (ConsumeSuppression() || runner_.IsEmpty()) return;
   std::vector<bool> seen(nodes_.size(), false);
   for (const NodeId id : changed) {
     for (const NodeId affected : Closure(id)) {
@@ -161,35 +161,40 @@ void NodeMap::CollectCallbacks(const std::vector<NodeId>& changed,
 }
 
 void NodeMap::CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const {
-  if (ConsumeSuppression() || callbackCount_ == 0) return;
+  if (ConsumeSuppression() || runner_.IsEmpty()) return;
   for (const auto& node : nodes_)
     if (node) callbacks.insert(callbacks.end(), node->Callbacks().begin(), node->Callbacks().end());
 }
 
-// A callback may end the registration of another one.
-bool NodeMap::IsRegistered(CNodeCallback* callback) const {
-  return std::any_of(nodes_.begin(), nodes_.end(), [callback](const std::unique_ptr<Node>& node) {
-    return node &&
-           std::find(node->Callbacks().begin(), node->Callbacks().end(), callback) != node->Callbacks().end();
-  });
-}
-
-void NodeMap::FireInside(const std::vector<CNodeCallback*>& callbacks) const {
-  for (CNodeCallback* const callback : callbacks) {
-    if (!IsRegistered(callback)) continue;
-    evaluations_ = 0;
-    (*callback)(cbPostInsideLock);
+// A callback may end the registration of another one, and may write: then others are to be called in turn. Those
+// outside of the lock wait until it is really released.
+void NodeMap::FireInside(std::vector<CNodeCallback*>& callbacks) const {
+  struct Depth {
+    int& depth;
+    ~Depth() { --depth; }
+  };
+  {
+    const Depth depth{++firingDepth_};
+    for (CNodeCallback* const callback : callbacks) {
+      if (!runner_.IsRegistered(callback)) continue;
+      evaluations_ = 0;
+      runner_.Begin(callback);
+      runner_.Run(callback, cbPostInsideLock);
+    }
   }
+  firedInside_.insert(firedInside_.end(), callbacks.begin(), callbacks.end());
+  callbacks.clear();
+  if (firingDepth_ == 0) callbacks.swap(firedInside_);
 }
 
 void NodeMap::FireOutside(const std::vector<CNodeCallback*>& callbacks) const {
   for (CNodeCallback* const callback : callbacks) {
-    bool registered = false;
     {
       const AutoLock lock(lock_);
-      registered = IsRegistered(callback);
+      if (!runner_.IsRegistered(callback)) continue;
+      runner_.Begin(callback);
     }
-    if (registered) (*callback)(cbPostOutsideLock);
+    runner_.Run(callback, cbPostOutsideLock);
   }
 }
 
@@ -357,6 +362,23 @@ std::string NodeMap::EntryPoint() const {
   return std::string(XmlName(entryNode_->Kind())) + "." + entryMethod_ + "()";
 }
 
+}  // namespace zyn::genapi
+
+namespace GENAPI_NAMESPACE {
+
+class LockDepth {
+ public:
+  static int Of(const CLock& lock) { return lock.m_Depth; }
+};
+
+}  // namespace GENAPI_NAMESPACE
+
+namespace zyn::genapi {
+
+bool NodeMap::IsLockedOutside() const {
+  return LockDepth::Of(lock_) > 1;
+}
+
 Call::Call(const Node& node, const char* method) : map_(node.Map()) {
   map_.lock_.Lock();
   if (map_.callDepth_++ > 0) return;
@@ -435,8 +457,14 @@ bool WriteCall::IsWritten(NodeId id) const {
 void WriteCall::Settle() {
   for (const NodeId id : written_) {
     for (const NodeId affected : map_.Closure(id)) {
-      if (IsWritten(affected)) continue;
-      if (Node* const node = map_.Existing(affected)) node->Forget(true);
+      Node* const node = map_.Existing(affected);
+      if (!node) continue;
+      // What was written keeps its value; what it may do and may become can have changed with it.
+      if (IsWritten(affected)) {
+        node->ForgetDerived();
+      } else {
+        node->Forget(true);
+      }
     }
   }
   for (const NodeId id : siblings_) {

@@ -9,6 +9,7 @@
 #include "GenApi/GenApi.h"
 #include "GenApi/ILoadNotes.h"
 #include "description/Description.h"
+#include "map/CallbackRunner.h"
 
 namespace zyn::genapi {
 
@@ -84,7 +85,9 @@ class NodeMap final : public INodeMap,
   /// "Class.Method()" of the outermost call, for messages.
   std::string EntryPoint() const;
 
-  void CountCallbacks(int change) const { callbackCount_ += change; }
+  CallbackRunner& Callbacks() const { return runner_; }
+  /// Whether this thread, which holds the lock, took it more often than the call it is in.
+  bool IsLockedOutside() const;
 
  private:
   friend class Call;
@@ -96,9 +99,10 @@ class NodeMap final : public INodeMap,
   bool ConsumeSuppression() const;
   void WriteAll(const CNodeWriteConcatenator& writes, std::vector<std::string>& errors);
   void FlushPorts(std::vector<std::string>& errors);
-  void FireInside(const std::vector<CNodeCallback*>& callbacks) const;
+  /// Calls what is to be called with the lock held. Afterwards `callbacks` is what FireOutside() has to call: that
+  /// and what was written inside of callbacks; nothing when this was inside of a callback itself.
+  void FireInside(std::vector<CNodeCallback*>& callbacks) const;
   void FireOutside(const std::vector<CNodeCallback*>& callbacks) const;
-  bool IsRegistered(CNodeCallback* callback) const;
   void CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const;
 
   // Constant after construction.
@@ -116,7 +120,9 @@ class NodeMap final : public INodeMap,
   mutable int callDepth_ = 0;
   mutable int evaluationDepth_ = 0;
   mutable int evaluations_ = 0;
-  mutable int callbackCount_ = 0;
+  mutable CallbackRunner runner_;
+  mutable int firingDepth_ = 0;
+  mutable std::vector<CNodeCallback*> firedInside_;
   mutable WriteCall* write_ = nullptr;
   // Set while several writes count as one: where their nodes are collected, to fire callbacks in the end.
   std::vector<NodeId>* joined_ = nullptr;

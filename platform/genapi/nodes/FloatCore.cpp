@@ -84,21 +84,38 @@ double FloatCore::OwnMax() {
   return std::numeric_limits<double>::max();
 }
 
-double FloatCore::RealMin() {
+template <class T>
+T FloatCore::Remember(std::optional<T>& limit, T (FloatCore::*compute)()) {
+  if (limit) return *limit;
   const DepthGuard depth(*this);
-  const double own = OwnMin();
+  const T value = (this->*compute)();
+  if (AreLimitsCacheable()) limit = value;
+  return value;
+}
+
+double FloatCore::RealMin() {
+  const double own = Remember(min_, &FloatCore::OwnMin);
   return imposedMin_ ? std::max(own, *imposedMin_) : own;
 }
 
 double FloatCore::RealMax() {
-  const DepthGuard depth(*this);
-  const double own = OwnMax();
+  const double own = Remember(max_, &FloatCore::OwnMax);
   return imposedMax_ ? std::min(own, *imposedMax_) : own;
 }
 
 std::optional<double> FloatCore::RealInc() {
-  const DepthGuard depth(*this);
-  return OwnInc();
+  return Remember(inc_, &FloatCore::OwnInc);
+}
+
+void FloatCore::Forget(bool device) {
+  ValueNode<IFloat>::Forget(device);
+  ForgetDerived();
+}
+
+void FloatCore::ForgetDerived() {
+  ValueNode<IFloat>::ForgetDerived();
+  min_ = max_ = std::nullopt;
+  inc_ = std::nullopt;
 }
 
 std::int64_t FloatCore::IntegerMin() {

@@ -42,6 +42,8 @@ class FloatCore : public ValueNode<IFloat> {
   double RealMin() override;
   double RealMax() override;
   std::optional<double> RealInc() override;
+  void Forget(bool device) override;
+  void ForgetDerived() override;
   gcstring TextValue(ReadMode read) override;
   void WriteText(const gcstring& text, bool verify) override;
 
@@ -55,9 +57,14 @@ class FloatCore : public ValueNode<IFloat> {
   ECachingMode ComputeCachingMode() override;
 
  private:
+  template <class T>
+  T Remember(std::optional<T>& limit, T (FloatCore::*compute)());
   void CheckRange(double value);
 
   double value_ = 0;
+  // Remembered where the description allows it; without what was imposed.
+  std::optional<double> min_, max_;
+  std::optional<std::optional<double>> inc_;
   std::optional<double> imposedMin_;
   std::optional<double> imposedMax_;
 };

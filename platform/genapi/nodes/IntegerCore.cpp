@@ -103,21 +103,36 @@ void IntegerCore::CheckRange(std::int64_t value) {
         static_cast<long long>(value), static_cast<long long>(min), static_cast<long long>(inc));
 }
 
-std::int64_t IntegerCore::IntegerMin() {
+std::int64_t IntegerCore::Remember(std::optional<std::int64_t>& limit, Limit compute) {
+  if (limit) return *limit;
   const DepthGuard depth(*this);
-  const std::int64_t own = OwnMin();
+  const std::int64_t value = (this->*compute)();
+  if (AreLimitsCacheable()) limit = value;
+  return value;
+}
+
+std::int64_t IntegerCore::IntegerMin() {
+  const std::int64_t own = Remember(min_, &IntegerCore::OwnMin);
   return imposedMin_ ? std::max(own, *imposedMin_) : own;
 }
 
 std::int64_t IntegerCore::IntegerMax() {
-  const DepthGuard depth(*this);
-  const std::int64_t own = OwnMax();
+  const std::int64_t own = Remember(max_, &IntegerCore::OwnMax);
   return imposedMax_ ? std::min(own, *imposedMax_) : own;
 }
 
 std::int64_t IntegerCore::IntegerInc() {
-  const DepthGuard depth(*this);
-  return OwnInc();
+  return Remember(inc_, &IntegerCore::OwnInc);
+}
+
+void IntegerCore::Forget(bool device) {
+  ValueNode<IInteger>::Forget(device);
+  min_ = max_ = inc_ = std::nullopt;
+}
+
+void IntegerCore::ForgetDerived() {
+  ValueNode<IInteger>::ForgetDerived();
+  min_ = max_ = inc_ = std::nullopt;
 }
 
 int64_t IntegerCore::GetMin() {

@@ -41,6 +41,8 @@ class IntegerCore : public ValueNode<IInteger> {
   double RealMin() override { return static_cast<double>(IntegerMin()); }
   double RealMax() override { return static_cast<double>(IntegerMax()); }
   std::optional<double> RealInc() override { return static_cast<double>(IntegerInc()); }
+  void Forget(bool device) override;
+  void ForgetDerived() override;
   gcstring TextValue(ReadMode read) override;
   void WriteText(const gcstring& text, bool verify) override;
 
@@ -54,9 +56,13 @@ class IntegerCore : public ValueNode<IInteger> {
   virtual bool KeepsWrittenValue() { return true; }
 
  private:
+  using Limit = std::int64_t (IntegerCore::*)();
+  std::int64_t Remember(std::optional<std::int64_t>& limit, Limit compute);
   void CheckRange(std::int64_t value);
 
   std::int64_t value_ = 0;
+  // Remembered where the description allows it; without what was imposed.
+  std::optional<std::int64_t> min_, max_, inc_;
   std::optional<std::int64_t> imposedMin_;
   std::optional<std::int64_t> imposedMax_;
 };

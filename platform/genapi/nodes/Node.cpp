@@ -196,6 +196,21 @@ bool Node::IsAccessCacheable() {
   return cacheable;
 }
 
+bool Node::AreLimitsCacheable() {
+  if (limitsCacheable_) return *limitsCacheable_;
+  const DepthGuard depth(*this);
+  bool cacheable = true;
+  for (const Property& property : Properties()) {
+    if (!IsValueLink(property.element) || property.element == Element::pCommandValue) continue;
+    Node& child = At(property.Target());
+    // Of the node that holds the value only the limits count.
+    cacheable = cacheable && child.AreLimitsCacheable() &&
+                (IsWritingLink(property.element) || child.CachingMode() != NoCache);
+  }
+  limitsCacheable_ = cacheable;
+  return cacheable;
+}
+
 EYesNo Node::IsAccessModeCacheable() const {
   const Call call(*this, "IsAccessModeCacheable");
   return const_cast<Node*>(this)->IsAccessCacheable() ? Yes : No;
@@ -484,19 +499,42 @@ CallbackHandleType Node::RegisterCallback(CNodeCallback* pCallback) {
   const Call call(*this, "RegisterCallback");
   if (!pCallback) ZYN_THROW(InvalidArgumentException, "A null callback cannot be registered.");
   callbacks_.push_back(pCallback);
-  map_.CountCallbacks(1);
+  map_.Callbacks().Add(pCallback);
   return reinterpret_cast<CallbackHandleType>(pCallback);
 }
 
-bool Node::DeregisterCallback(CallbackHandleType hCallback) {
-  const Call call(*this, "DeregisterCallback");
-  const auto found = std::find_if(callbacks_.begin(), callbacks_.end(), [hCallback](CNodeCallback* callback) {
-    return reinterpret_cast<CallbackHandleType>(callback) == hCallback;
+CNodeCallback* Node::RemoveCallback(CallbackHandleType handle) {
+  const auto found = std::find_if(callbacks_.begin(), callbacks_.end(), [handle](CNodeCallback* callback) {
+    return reinterpret_cast<CallbackHandleType>(callback) == handle;
   });
-  if (found == callbacks_.end()) return false;
+  if (found == callbacks_.end()) return nullptr;
+  CNodeCallback* const callback = *found;
   callbacks_.erase(found);
-  map_.CountCallbacks(-1);
-  return true;
+  map_.Callbacks().Remove(callback);
+  return callback;
+}
+
+bool Node::DeregisterCallback(CallbackHandleType hCallback) {
+  CNodeCallback* callback = nullptr;
+  bool holdsLock = false;
+  {
+    const Call call(*this, "DeregisterCallback");
+    callback = RemoveCallback(hCallback);
+    holdsLock = map_.IsLockedOutside();
+  }
+  if (callback) map_.Callbacks().Retire(callback, holdsLock, false);
+  return callback != nullptr;
+}
+
+void Node::DeregisterAndDestroy(CallbackHandleType handle) {
+  CNodeCallback* callback = nullptr;
+  bool holdsLock = false;
+  {
+    const Call call(*this, "DeregisterCallback");
+    callback = RemoveCallback(handle);
+    holdsLock = map_.IsLockedOutside();
+  }
+  if (callback) map_.Callbacks().Retire(callback, holdsLock, true);
 }
 
 UserData_t Node::GetUserData() const {

@@ -89,11 +89,17 @@ class Node : public INode, public ISelector, public IUserData {
   void RequireAvailable();
   ECachingMode CachingMode();
   bool IsAccessCacheable();
+  /// Whether limits may be remembered: nothing that they come from has to be read every time.
+  bool AreLimitsCacheable();
+  /// Ends a registration and destroys the callback, at once or as soon as it is no longer running.
+  void DeregisterAndDestroy(CallbackHandleType handle);
   /// Throws what the error registers say.
   void CheckError();
 
   /// Forgets the access mode and computed values; with `device` also the bytes read from the device.
   virtual void Forget(bool device);
+  /// Forgets the access mode and the limits, but not the value.
+  virtual void ForgetDerived() { access_.reset(); }
   /// Called when polling is due; a node that is not waiting for anything says no.
   virtual bool WantsPolling() { return true; }
   /// Compiles what the node would compile on first use. Throws when it is malformed.
@@ -168,6 +174,7 @@ class Node : public INode, public ISelector, public IUserData {
   EAccessMode ConditionAccess();
   EAccessMode HelperAccess();
   INode* LinkedNode(Element element) const;
+  CNodeCallback* RemoveCallback(CallbackHandleType handle);
   void CollectTerminals(std::vector<NodeId>& terminals) const;
 
   NodeMap& map_;
@@ -176,6 +183,7 @@ class Node : public INode, public ISelector, public IUserData {
   bool accessInProgress_ = false;
   std::optional<ECachingMode> cachingMode_;
   std::optional<bool> accessCacheable_;
+  std::optional<bool> limitsCacheable_;
   EAccessMode imposedAccess_;
   std::optional<EVisibility> imposedVisibility_;
   std::vector<CNodeCallback*> callbacks_;

@@ -246,4 +246,55 @@ TEST(Cache, TwoMapsOfOneFactoryAreIndependent) {
   EXPECT_EQ(second._GetDeviceName(), "Two");
 }
 
+TEST(Cache, WhatAWriteLocksOrLimitsIsSeenByTheWrittenNodeItself) {
+  Camera camera(Register("IntReg", "R", 0x10, 4) +
+                "<IntSwissKnife Name=\"IsFive\"><pVariable "
+                "Name=\"V\">R</pVariable><Formula>V=5</Formula></IntSwissKnife>"
+                "<IntSwissKnife Name=\"Rest\"><pVariable "
+                "Name=\"V\">R</pVariable><Formula>100-V</Formula></IntSwissKnife>"
+                "<Integer Name=\"Locked\"><pIsLocked>IsFive</pIsLocked><pValue>R</pValue></Integer>"
+                "<Integer Name=\"Limited\"><pValue>R</pValue><pMax>Rest</pMax></Integer>"
+                "<Float Name=\"LimitedFloat\"><pValue>R</pValue><pMax>Rest</pMax></Float>");
+  EXPECT_EQ(camera.Access("Locked"), RW);
+  camera.Integer("Locked").SetValue(5);
+  EXPECT_EQ(camera.Access("Locked"), RO);
+  EXPECT_EQ(camera.port.reads, 1) << "the value written stays known: only the first lock was read";
+  EXPECT_EQ(camera.Integer("Limited").GetMax(), 95);
+  camera.Integer("Limited").SetValue(30);
+  EXPECT_EQ(camera.Integer("Limited").GetMax(), 70);
+  EXPECT_EQ(camera.Float("LimitedFloat").GetMax(), 70);
+  camera.Float("LimitedFloat").SetValue(40);
+  EXPECT_EQ(camera.Float("LimitedFloat").GetMax(), 60);
+  EXPECT_EQ(camera.Access("Locked"), RW);
+}
+
+TEST(Cache, LimitsAreRememberedUntilWhatTheyComeFromChanges) {
+  Camera camera(
+      Register("IntReg", "Max", 0x10, 4) +
+      Register("IntReg", "Live", 0x14, 4, "<Cachable>NoCache</Cachable>") +
+      "<Integer Name=\"I\"><Value>0</Value><pMax>Max</pMax></Integer>"
+      "<Integer Name=\"Outer\"><pValue>I</pValue></Integer><Float Name=\"F\"><pValue>Outer</pValue></Float>"
+      "<Integer Name=\"J\"><Value>0</Value><pMax>Live</pMax></Integer>"
+      "<Integer Name=\"OuterJ\"><pValue>J</pValue></Integer>");
+  camera.port.bytes[0x10] = 50;
+  EXPECT_EQ(camera.Float("F").GetMax(), 50);
+  camera.port.bytes[0x10] = 60;
+  camera.Integer("Max").GetValue(false, true);  // its own value is to be read anew now
+  EXPECT_EQ(camera.Float("F").GetMax(), 50);
+  EXPECT_EQ(camera.Integer("Outer").GetMax(), 50);
+  camera.Integer("Max").SetValue(70);
+  EXPECT_EQ(camera.Float("F").GetMax(), 70);
+  camera.Node("Max").InvalidateNode();
+  camera.port.bytes[0x10] = 80;
+  EXPECT_EQ(camera.Integer("I").GetMax(), 80);
+  camera.Integer("I").ImposeMax(40);
+  EXPECT_EQ(camera.Float("F").GetMax(), 40);
+  camera.Integer("I").ImposeMax(90);
+  EXPECT_EQ(camera.Float("F").GetMax(), 80);
+  for (const int limit : {5, 6}) {
+    camera.port.bytes[0x14] = static_cast<unsigned char>(limit);
+    EXPECT_EQ(camera.Integer("OuterJ").GetMax(), limit) << "an uncached register is asked every time";
+  }
+}
+
 }  // namespace

@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <latch>
+#include <thread>
+#include <utility>
+
 #include <algorithm>
 
 #include <string>
@@ -131,6 +137,127 @@ TEST(CallbacksLeft, AreDestroyedWithTheMap) {
     Camera camera("");
     camera.Node("Device").RegisterCallback(new Counter(&camera.Node("Device"), destroyed));
   }
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(CallbackRuns, WhatIsWrittenInsideOneIsToldOutsideTheLockAfterwards) {
+  Camera camera(
+      "<Integer Name=\"A\"><Value>0</Value></Integer><Integer Name=\"B\"><Value>0</Value></Integer>");
+  std::string order;
+  const CallbackHandleType inside = Register(&camera.Node("A"), [&](INode*) {
+    order += 'a';
+    camera.Integer("B").SetValue(1);
+    order += 'A';
+  });
+  const CallbackHandleType insideB = Register(&camera.Node("B"), [&](INode*) { order += 'b'; });
+  bool wasFree = false;
+  const CallbackHandleType outside = Register(
+      &camera.Node("B"),
+      [&](INode*) {
+        order += 'o';
+        std::thread([&] {
+          wasFree = camera.map._Ptr->GetLock().TryLock();
+          if (wasFree) camera.map._Ptr->GetLock().Unlock();
+        }).join();
+      },
+      cbPostOutsideLock);
+  camera.Integer("A").SetValue(1);
+  EXPECT_EQ(order, "abAo");
+  EXPECT_TRUE(wasFree) << "another thread can take the lock";
+  camera.map._Ptr->Poll(1);
+  Deregister(inside);
+  Deregister(insideB);
+  Deregister(outside);
+}
+
+// Counts how often it is destroyed.
+class CountedCallback : public CNodeCallback {
+ public:
+  CountedCallback(INode* node, ECallbackType type, std::function<void()> action, int& destroyed)
+      : CNodeCallback(node, type), action_(std::move(action)), destroyed_(destroyed) {}
+  void operator()(ECallbackType type) const override {
+    if (type == m_CallbackType) action_();
+  }
+  void Destroy() override {
+    ++destroyed_;
+    delete this;
+  }
+
+ private:
+  const std::function<void()> action_;
+  int& destroyed_;
+};
+
+TEST(CallbackRuns, OneMayEndItsOwnRegistration) {
+  for (const ECallbackType type : {cbPostInsideLock, cbPostOutsideLock}) {
+    Camera camera("<Integer Name=\"A\"><Value>0</Value></Integer>");
+    int destroyed = 0;
+    int calls = 0;
+    CallbackHandleType handle = 0;
+    handle = camera.Node("A").RegisterCallback(new CountedCallback(
+        &camera.Node("A"), type,
+        [&] {
+          Deregister(handle);
+          EXPECT_EQ(destroyed, 0) << "not while it is running";
+          ++calls;
+        },
+        destroyed));
+    camera.Integer("A").SetValue(1);
+    EXPECT_EQ(destroyed, 1);
+    camera.Integer("A").SetValue(2);
+    EXPECT_EQ(calls, 1);
+  }
+}
+
+TEST(CallbackRuns, EndingARegistrationWaitsForTheCallThatRunsOnAnotherThread) {
+  Camera camera("<Integer Name=\"A\"><Value>0</Value></Integer>");
+  std::latch entered(1);
+  std::latch mayLeave(1);
+  int destroyed = 0;
+  std::atomic<bool> left{false};
+  const CallbackHandleType handle = camera.Node("A").RegisterCallback(new CountedCallback(
+      &camera.Node("A"), cbPostOutsideLock,
+      [&] {
+        entered.count_down();
+        mayLeave.wait();
+        camera.Integer("A").GetValue();
+        left = true;
+      },
+      destroyed));
+  std::thread writer([&] { camera.Integer("A").SetValue(1); });
+  entered.wait();
+  std::thread ender([&] {
+    Deregister(handle);
+    EXPECT_TRUE(left) << "it was still running";
+  });
+  mayLeave.count_down();
+  ender.join();
+  writer.join();
+  EXPECT_EQ(destroyed, 1);
+}
+
+TEST(CallbackRuns, EndingARegistrationDoesNotWaitWhileTheLockIsHeld) {
+  Camera camera("<Integer Name=\"A\"><Value>0</Value></Integer>");
+  std::latch entered(1);
+  std::latch mayLeave(1);
+  int destroyed = 0;
+  const CallbackHandleType handle = camera.Node("A").RegisterCallback(new CountedCallback(
+      &camera.Node("A"), cbPostOutsideLock,
+      [&] {
+        entered.count_down();
+        mayLeave.wait();
+        camera.Integer("A").GetValue();
+      },
+      destroyed));
+  std::thread writer([&] { camera.Integer("A").SetValue(1); });
+  entered.wait();
+  {
+    const GenApi::AutoLock lock(camera.map._Ptr->GetLock());
+    Deregister(handle);  // waiting would last for ever: the callback waits for this lock
+    EXPECT_EQ(destroyed, 0);
+  }
+  mayLeave.count_down();
+  writer.join();
   EXPECT_EQ(destroyed, 1);
 }
 
