@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <random>
 #include <string>
@@ -62,9 +63,9 @@ class Handler : public ICameraEventHandler, public I3DCameraEventHandler {
 /// All pixels of a frame are equal.
 void ExpectOneFrame(const ZynImage& image) {
   const unsigned char* pixels = image.ImageData();
-  EXPECT_TRUE(std::all_of(pixels, pixels + image.Step() * image.Height(),
-                          [first = pixels[0]](unsigned char pixel) { return pixel == first; }))
-      << "bytes of another frame";
+  const auto bytes = static_cast<std::ptrdiff_t>(image.Step()) * image.Height();
+  const auto isTheFirst = [first = pixels[0]](unsigned char pixel) { return pixel == first; };
+  EXPECT_TRUE(std::all_of(pixels, pixels + bytes, isTheFirst)) << "bytes of another frame";
 }
 
 /// Looks at each image that is delivered.
