@@ -47,6 +47,15 @@ TEST(Discovery, ReportsWhatTheCameraSaysOfItself) {
   EXPECT_STREQ(attribute->AdapterName(), "lo");
 }
 
+TEST(Discovery, ACameraOfAnotherSubnetIsListedAsSuch) {
+  const FakeGigeCamera fake(1);
+  fake.PretendAddress(0xC0A80909, 0xFFFFFF00);
+  const auto attribute = AttributeOf(chain::Find("GV01"));
+  EXPECT_STREQ(attribute->CameraIp(), "192.168.9.9");
+  EXPECT_EQ(attribute->CameraStatus(), 2);
+  EXPECT_FALSE(attribute->IsNetSegmentConsistent());
+}
+
 TEST(Discovery, ACameraThatIsGoneIsNoLongerListedAndComesBackUnderTheSameHandle) {
   FakeGigeCamera fake(1);
   ZynCamera before = chain::Find("GV01");

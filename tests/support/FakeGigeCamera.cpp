@@ -24,6 +24,7 @@ constexpr std::uint16_t kDiscovery = 0x0002;
 constexpr std::uint16_t kWriteRegister = 0x0082;
 constexpr std::uint32_t kMacHighRegister = 0x0008;
 constexpr std::uint32_t kMacLowRegister = 0x000c;
+constexpr std::uint32_t kAddressRegister = 0x0024;
 constexpr std::uint32_t kSubnetMaskRegister = 0x0034;
 
 /// Just enough of the control protocol to set a camera up before a test begins.
@@ -86,6 +87,14 @@ void FakeGigeCamera::Start() {
                        channel.Ask(kWriteRegister, {kMacLowRegister, static_cast<std::uint32_t>(number_)}) &&
                        channel.Ask(kWriteRegister, {kSubnetMaskRegister, 0xff000000});
   if (!isReady) throw std::runtime_error("the fake camera does not answer");
+}
+
+void FakeGigeCamera::PretendAddress(std::uint32_t address, std::uint32_t mask) const {
+  const ControlChannel channel(address_);
+  if (!channel.Ask(kWriteRegister, {kAddressRegister, address}) ||
+      !channel.Ask(kWriteRegister, {kSubnetMaskRegister, mask})) {
+    throw std::runtime_error("the fake camera does not answer");
+  }
 }
 
 void FakeGigeCamera::Kill() {

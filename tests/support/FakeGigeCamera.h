@@ -2,6 +2,7 @@
 #ifndef ZYN_TEST_FAKE_GIGE_CAMERA_H
 #define ZYN_TEST_FAKE_GIGE_CAMERA_H
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,9 @@ class FakeGigeCamera {
   const std::string& Address() const { return address_; }
 
   void Start();
+  /// From now on the camera says that it has this address and mask, as one that was set up for another network.
+  /// It still answers searches, and Address() stays where it really is.
+  void PretendAddress(std::uint32_t address, std::uint32_t mask) const;
   /// Like pulling the cable: the process is gone, without a word to anybody.
   void Kill();
 

@@ -114,6 +114,17 @@ void ReadAddressFields(GenApi_3_4::INodeMap* map, const DeviceSelection& selecti
   }
 }
 
+bool LiesOutsideSubnet(GenApi_3_4::INodeMap* map, const DeviceSelection& selection) {
+  if (!selection) return false;
+  const auto device = ReadInteger(map, "GevDeviceIPAddress");
+  if (!device) return false;
+  const auto subnet = FindSubnet(map, *device);
+  if (!subnet || subnet->mask == 0) return false;
+  const std::int64_t network = subnet->address & subnet->mask;
+  const std::int64_t deviceMask = ReadInteger(map, "GevDeviceSubnetMask").value_or(0);
+  return (*device & subnet->mask) != network && (*device & deviceMask) != network;
+}
+
 std::string FormatIp(std::int64_t address) {
   const auto bits = static_cast<std::uint32_t>(address);
   return std::to_string(bits >> 24U) + "." + std::to_string((bits >> 16U) & 255U) + "." +

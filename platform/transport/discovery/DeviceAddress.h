@@ -42,6 +42,10 @@ class DeviceSelection {
 void ReadAddressFields(GenApi_3_4::INodeMap* map, const DeviceSelection& selection,
                        CameraDescription& camera);
 
+/// True when the map says that the selected device's address lies in no subnet of the adapter, whether the
+/// adapter's mask is laid over it or the device's own. False when the map does not tell.
+bool LiesOutsideSubnet(GenApi_3_4::INodeMap* map, const DeviceSelection& selection);
+
 /// The lowest 32 bits as a dotted number, most significant byte first.
 std::string FormatIp(std::int64_t address);
 

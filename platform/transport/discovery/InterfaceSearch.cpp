@@ -79,6 +79,12 @@ void InterfaceSearch::Complete(CameraDescription& camera, std::uint32_t index,
       }
     }
   }
+  // Such a camera answers every search, and all that it lacks is another address. As "not reachable" nobody could
+  // tell it from a dead one, so its state is that of a free camera and its address fields tell the rest.
+  if (camera.protocol == KELGENICAM::PROTOCOL_GIGE_VISION &&
+      camera.state == KELGENICAM::DEVICE_STATE_NOACCESS && LiesOutsideSubnet(map, selection)) {
+    camera.state = KELGENICAM::DEVICE_STATE_READWRITE;
+  }
   ReadAddressFields(map, selection, camera);
   if (camera.serial.empty()) camera.serial = camera.key.deviceId;
   if (camera.texts[KELGENICAM::TEXT_ADAPTER_NAME].empty()) {

@@ -31,7 +31,9 @@ enum PROTOCOL_TYPE {
   PROTOCOL_OTHER = 16
 };
 
-/// Values of ICameraInfo::DeviceState: the GenTL device access status.
+/// Values of ICameraInfo::DeviceState: the GenTL device access status, but for one case. A GigE Vision camera
+/// that cannot be reached because its address lies outside its adapter's subnet is DEVICE_STATE_READWRITE: it
+/// answers and waits for another address. Texts 1, 3, 6 and 7 show that; Open fails until it has one.
 enum DEVICE_STATE {
   DEVICE_STATE_UNKNOWN = 0,
   DEVICE_STATE_READWRITE = 1,       ///< free, can be opened

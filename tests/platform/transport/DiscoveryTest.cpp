@@ -227,6 +227,41 @@ TEST_F(DiscoveryTest, AnInterfaceThatHangsDoesNotStopTheRest) {
   while (Discover().size() != 3) std::this_thread::yield();
 }
 
+struct SubnetCase {
+  const char* name;
+  std::string tlType;
+  std::int32_t status;
+  std::uint32_t ip;  // the adapter is 192.168.1.10 with mask 255.255.255.0
+  std::uint32_t mask;
+  int state;
+};
+
+TEST_F(DiscoveryTest, AGigeCameraThatOnlyLacksAnAddressOfTheSubnetIsNotCalledUnreachable) {
+  constexpr std::uint32_t kMask = 0xFFFFFF00;
+  constexpr std::int32_t kNoAccess = GenTL::DEVICE_ACCESS_STATUS_NOACCESS;
+  const std::vector<SubnetCase> cases = {
+      {"another subnet", "GEV", kNoAccess, 0xC0A80263, kMask, DEVICE_STATE_READWRITE},
+      {"link-local", "GEV", kNoAccess, 0xA9FE0102, 0xFFFF0000, DEVICE_STATE_READWRITE},
+      {"another subnet without a mask", "GEV", kNoAccess, 0xC0A80263, 0, DEVICE_STATE_READWRITE},
+      {"no address yet", "GEV", kNoAccess, 0, 0, DEVICE_STATE_READWRITE},
+      {"same subnet", "GEV", kNoAccess, 0xC0A80163, kMask, DEVICE_STATE_NOACCESS},
+      {"same subnet, wider mask", "GEV", kNoAccess, 0xC0A80163, 0xFFFF0000, DEVICE_STATE_NOACCESS},
+      {"other states stay", "GEV", GenTL::DEVICE_ACCESS_STATUS_BUSY, 0xC0A80263, kMask, DEVICE_STATE_BUSY},
+      {"no network camera", "U3V", kNoAccess, 0xC0A80263, kMask, DEVICE_STATE_NOACCESS},
+  };
+  ASSERT_EQ(Init(), RESULT_OK);
+  for (const SubnetCase& row : cases) {
+    MockDevice device{"cam", "SN1"};
+    device.status = row.status;
+    device.ip = row.ip;
+    device.mask = row.mask;
+    mock_.SetInterfaces({MockInterface{"if0", row.tlType, {device}}});
+    const InfoList found = Discover();
+    ASSERT_EQ(found.size(), 1U) << row.name;
+    EXPECT_EQ(found.front()->DeviceState(), row.state) << row.name;
+  }
+}
+
 TEST_F(DiscoveryTest, ADeviceOpenHereSaysSoEvenIfTheProducerCallsItFree) {
   const CameraPtr camera = OpenOne(mock_);
   EXPECT_EQ(Discover().front()->DeviceState(), DEVICE_STATE_OPEN_READWRITE);

@@ -455,7 +455,7 @@ bool ReadInterface(const Module& module, std::uint64_t address, unsigned char* b
     case kDeviceIpAt:
       return put(device ? device->ip : 0);
     case kDeviceMaskAt:
-      return put(0xFFFFFF00);
+      return put(device ? device->mask : 0);
     case kDeviceGatewayAt:
       return put(0xC0A80101);
     case kDeviceMacAt:

@@ -22,6 +22,7 @@ struct MockDevice {
   std::string userName = {};
   std::int32_t status = GenTL::DEVICE_ACCESS_STATUS_READWRITE;
   std::uint32_t ip = 0xC0A80163;  ///< 192.168.1.99
+  std::uint32_t mask = 0xFFFFFF00;
   std::uint64_t mac = 0x0A0B0C0D0E0F;
   std::size_t payloadBytes = 64;
   bool hasStream = true;
