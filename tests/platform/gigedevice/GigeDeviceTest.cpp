@@ -1,0 +1,255 @@
+#include "gigedevice/GigeDevice.h"
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include <map>
+#include <vector>
+
+#include "PrivateNetwork.h"
+#include "cameras/Catalog.h"
+#include "cameras/registers/BigEndian.h"
+#include "gige/Discovery.h"
+#include "gige/ForceIp.h"
+#include "gige/RegisterClient.h"
+
+namespace zyn::gigedevice {
+namespace {
+
+namespace bootstrap = gige::bootstrap;
+using cameras::LoadBig;
+using gige::Ipv4;
+using gige::RegisterClient;
+using gige::Result;
+
+constexpr Ipv4 kHost{0x7F000001};
+constexpr Ipv4 kDevice{0x7F000002};
+constexpr RegisterClient::Options kPatient{std::chrono::milliseconds{2000}, 3};
+// A whole frame fits the receiver's buffer, whenever it is read.
+constexpr std::uint32_t kHeight = 48;
+constexpr int kPatienceMs = 10'000;
+
+DeviceSettings Settings(Ipv4 ip) {
+  DeviceSettings settings;
+  settings.ip = ip;
+  settings.mac.bytes = {2, 0, 0, 0, 0, static_cast<std::uint8_t>(ip.value)};
+  return settings;
+}
+
+// The packets of one block, as a receiver sees them.
+struct Received {
+  std::map<std::uint32_t, gige::Bytes> packets;  // header included
+  std::vector<std::uint32_t> order;
+  std::uint32_t trailer = 0;
+  std::uint64_t id = 0;  // short
+};
+
+class GigeDeviceTest : public testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(zyntest::IsPrivateNetwork()); }
+
+  void Start(const DeviceSettings& settings) {
+    device_.emplace(*camera_, cameras::SteadyClock(), settings);
+    client_ = RegisterClient::Connect(kHost, settings.ip, kPatient);
+    Write(bootstrap::kControlPrivilege, gige::kControlAccess);
+    SetFeature("Height", kHeight);
+    Write(reg::kStreamDestination, kHost.value);
+    Write(reg::kStreamPort, receiver_->Port());
+  }
+  void Write(std::uint32_t address, std::uint32_t value) {
+    ASSERT_EQ(client_->WriteRegister(address, value), Result::ok) << std::hex << address;
+  }
+  // Writes the register of a feature of the camera.
+  void SetFeature(const std::string& name, std::uint32_t value) {
+    const std::string text(camera_->Description());
+    std::size_t at = text.find("Name=\"" + name + "Reg\"");
+    if (at == std::string::npos) at = text.find("Name=\"" + name + '"');
+    at = text.find("<Address>", at);
+    ASSERT_NE(at, std::string::npos);
+    gige::Bytes bytes(std::strtoul(text.c_str() + text.find("<Length>", at) + 8, nullptr, 0));
+    cameras::StoreBig(bytes.data(), value, bytes.size());
+    const auto address = static_cast<std::uint32_t>(std::strtoul(text.c_str() + at + 9, nullptr, 0));
+    ASSERT_EQ(client_->WriteMemory(address, bytes), Result::ok) << name;
+  }
+  void Execute(const std::string& command) { SetFeature(command, 1); }
+  gige::Bytes NextPacket() {
+    pollfd wait{receiver_->Descriptor(), POLLIN, 0};
+    if (poll(&wait, 1, kPatienceMs) != 1) return {};
+    gige::Bytes packet(65536);
+    const auto received = receiver_->Receive(packet);
+    packet.resize(received ? received->bytes : 0);
+    return packet;
+  }
+  static std::uint32_t IdOf(const gige::Bytes& packet) {
+    const bool isLong = (packet[4] & 0x80U) != 0;
+    return static_cast<std::uint32_t>(isLong ? LoadBig(&packet[16], 4) : LoadBig(&packet[5], 3));
+  }
+  Received ReceiveBlock() {
+    Received block;
+    while (true) {
+      const gige::Bytes packet = NextPacket();
+      if (packet.size() < 8) return block;
+      if (block.order.empty()) block.id = LoadBig(&packet[2], 2);
+      if (LoadBig(&packet[2], 2) == block.id) block.packets[IdOf(packet)] = packet;
+      block.order.push_back(IdOf(packet));
+      if ((packet[4] & 0x7FU) != 2) continue;
+      block.trailer = IdOf(packet);
+      return block;
+    }
+  }
+  std::size_t DataBytes(const Received& block, std::size_t header) {
+    std::size_t sum = 0;
+    for (const auto& [id, packet] : block.packets) {
+      if (id != 0 && id != block.trailer) sum += packet.size() - header;
+    }
+    return sum;
+  }
+
+  std::unique_ptr<cameras::CameraModel> camera_ = cameras::MakeCamera("ZS-A640", "S1");
+  std::optional<DeviceSocket> receiver_ = DeviceSocket::BoundTo(kHost, 0, false);
+  std::optional<GigeDevice> device_;
+  std::unique_ptr<RegisterClient> client_;
+};
+
+TEST_F(GigeDeviceTest, ItIsFoundByBroadcast) {
+  const auto second = cameras::MakeCamera("KEL-LP2000", "S2");
+  const GigeDevice first(*camera_, cameras::SteadyClock(), Settings(kDevice));
+  const GigeDevice other(*second, cameras::SteadyClock(), Settings({0x7F000003}));
+  const auto found = gige::Discover();
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_NE(found[0].description.serial, found[1].description.serial);
+  EXPECT_EQ(found[0].control, gige::ControlState::free);
+}
+
+TEST_F(GigeDeviceTest, AnAddressThatIsTakenOrForeignIsRefused) {
+  const GigeDevice first(*camera_, cameras::SteadyClock(), Settings(kDevice));
+  const auto second = cameras::MakeCamera("ZS-A640", "S2");
+  EXPECT_THROW(GigeDevice(*second, cameras::SteadyClock(), Settings(kDevice)), DeviceError);
+  EXPECT_THROW(GigeDevice(*second, cameras::SteadyClock(), Settings({0x0A010203})), DeviceError);
+}
+
+TEST_F(GigeDeviceTest, ForceIpMovesIt) {
+  const DeviceSettings settings = Settings(kDevice);
+  const GigeDevice device(*camera_, cameras::SteadyClock(), settings);
+  const gige::Adapter loopback = gige::ListAdapters().at(0);
+  const gige::IpSettings wanted{{0x7F000010}, {0xFF000000}, {}};
+  EXPECT_EQ(gige::ForceIp(loopback, settings.mac, wanted, std::chrono::milliseconds(kPatienceMs)),
+            gige::ForceIpResult::confirmed);
+  std::uint32_t value = 0;
+  EXPECT_EQ(RegisterClient::Connect(kHost, wanted.ip, kPatient)->ReadRegister(reg::kCurrentIp, value),
+            Result::ok);
+  EXPECT_EQ(value, wanted.ip.value);
+  EXPECT_EQ(RegisterClient::Connect(kHost, kDevice, kPatient)->ReadRegister(reg::kCurrentIp, value),
+            Result::nobodyListens);
+}
+
+TEST_F(GigeDeviceTest, AnImageComesInFullPackets) {
+  Start(Settings(kDevice));
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  ASSERT_EQ(block.packets.size(), block.trailer + 1U);
+  EXPECT_EQ(DataBytes(block, 8), camera_->PayloadSize());
+  for (std::uint32_t id = 1; id + 1 < block.trailer; ++id)
+    EXPECT_EQ(block.packets.at(id).size(), 1500U - kIpAndUdpBytes);
+  EXPECT_EQ(LoadBig(&block.packets.at(0)[2], 2), 1U);
+}
+
+TEST_F(GigeDeviceTest, LongNumbersAreUsedOnDemand) {
+  Start(Settings(kDevice));
+  Write(reg::kStreamConfiguration, 1U << 30U);
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  ASSERT_EQ(block.packets.size(), block.trailer + 1U);
+  EXPECT_EQ(DataBytes(block, 20), camera_->PayloadSize());
+  EXPECT_EQ(LoadBig(&block.packets.at(1)[8], 8), 1U);
+}
+
+TEST_F(GigeDeviceTest, SegmentsArriveAsThePacketsThatTheyAre) {
+  DeviceSettings settings = Settings(kDevice);
+  settings.sendMethod = SendMethod::segmented;
+  Start(settings);
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  ASSERT_EQ(block.packets.size(), block.trailer + 1U);
+  EXPECT_EQ(DataBytes(block, 8), camera_->PayloadSize());
+}
+
+TEST_F(GigeDeviceTest, ATestPacketHasExactlyThePacketSize) {
+  Start(Settings(kDevice));
+  Write(reg::kStreamPacketSize, 0x80000000U | 4000U);
+  EXPECT_EQ(NextPacket().size(), 4000U - kIpAndUdpBytes);
+}
+
+TEST_F(GigeDeviceTest, LostPacketsAreSentAgainWhenAskedFor) {
+  DeviceSettings settings = Settings(kDevice);
+  settings.lossPerThousand = 300;
+  Start(settings);
+  Execute("AcquisitionStart");
+  Received block = ReceiveBlock();
+  ASSERT_LT(block.packets.size(), 23U);
+  Execute("AcquisitionStop");
+  const std::uint64_t id = block.id;
+  const std::uint32_t last = 23;  // 30,720 bytes of image: 21 packets, leader, trailer
+  for (int round = 0; round < 200 && block.packets.size() < last; ++round) {
+    for (std::uint32_t packet = 0; packet < last; ++packet) {
+      if (block.packets.count(packet) != 0) continue;
+      gige::Bytes command = gige::EncodeReadMemory(1, 0, 0);
+      command.resize(20);
+      command[1] = 0;
+      command[3] = 0x40;
+      command[5] = 12;
+      cameras::StoreBig(&command[10], id, 2);
+      cameras::StoreBig(&command[12], packet, 4);
+      cameras::StoreBig(&command[16], packet, 4);
+      receiver_->SendTo({kDevice, gige::kGvcpPort}, command);
+    }
+    std::uint32_t value = 0;
+    ASSERT_EQ(client_->ReadRegister(0, value), Result::ok);  // behind it, the requests are done
+    std::vector<std::uint8_t> buffer(65536);
+    while (const auto received = receiver_->Receive(buffer)) {
+      const gige::Bytes packet(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(received->bytes));
+      if (LoadBig(&packet[2], 2) == id) block.packets[IdOf(packet)] = packet;
+    }
+  }
+  EXPECT_EQ(block.packets.size(), std::size_t{last});
+}
+
+TEST_F(GigeDeviceTest, TheSameSeedLosesTheSamePackets) {
+  DeviceSettings settings = Settings(kDevice);
+  settings.lossPerThousand = 200;
+  settings.seed = 7;
+  std::vector<std::uint32_t> first;
+  for (int run = 0; run < 2; ++run) {
+    camera_ = cameras::MakeCamera("ZS-A640", "S1");
+    receiver_ = DeviceSocket::BoundTo(kHost, 0, false);
+    Start(settings);
+    Execute("AcquisitionStart");
+    const std::vector<std::uint32_t> order = ReceiveBlock().order;
+    device_.reset();
+    if (run == 0) first = order;
+    EXPECT_EQ(order, first);
+  }
+  EXPECT_GT(first.size(), 10U);
+}
+
+TEST_F(GigeDeviceTest, ADamagedFrameHasNoEnd) {
+  Start(Settings(kDevice));
+  camera_->GetFaults().DamageFrames(1);
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  ASSERT_GT(block.trailer, 20U);
+  EXPECT_LT(block.packets.size(), block.trailer);
+  EXPECT_EQ(block.packets.count(1), 1U);
+  EXPECT_EQ(block.packets.count(block.trailer - 1), 0U);
+}
+
+TEST_F(GigeDeviceTest, ControlThatGoesEndsTheAcquisition) {
+  Start(Settings(kDevice));
+  Execute("AcquisitionStart");
+  EXPECT_TRUE(camera_->IsAcquiring());
+  Write(bootstrap::kControlPrivilege, 0);
+  EXPECT_FALSE(camera_->IsAcquiring());
+}
+
+}  // namespace
+}  // namespace zyn::gigedevice
