@@ -12,7 +12,7 @@ Zyn3DCameraArray::Zyn3DCameraArray(const Zyn3DCameraArray& other)
     : storage_(new ZynCameraBaseDataTemplate1<Zyn3DCamera>(*other.storage_)) {}
 
 Zyn3DCameraArray::~Zyn3DCameraArray() {
-  storage_->Leave();
+  if (storage_) storage_->Leave();
   storage_ = nullptr;
 }
 

@@ -12,7 +12,7 @@ ZynCameraArray::ZynCameraArray(const ZynCameraArray& other)
     : storage_(new ZynCameraBaseDataTemplate1<ZynCamera>(*other.storage_)) {}
 
 ZynCameraArray::~ZynCameraArray() {
-  storage_->Leave();
+  if (storage_) storage_->Leave();
   storage_ = nullptr;
 }
 

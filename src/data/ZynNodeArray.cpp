@@ -12,7 +12,7 @@ ZynNodeArray::ZynNodeArray(const ZynNodeArray& other)
     : storage_(new ZynCameraBaseDataTemplate1<ZynNode>(*other.storage_)) {}
 
 ZynNodeArray::~ZynNodeArray() {
-  storage_->Leave();
+  if (storage_) storage_->Leave();
   storage_ = nullptr;
 }
 

@@ -12,7 +12,7 @@ ZynStringArray::ZynStringArray(const ZynStringArray& other)
     : storage_(new ZynCameraBaseDataTemplate1<ZynString>(*other.storage_)) {}
 
 ZynStringArray::~ZynStringArray() {
-  storage_->Leave();
+  if (storage_) storage_->Leave();
   storage_ = nullptr;
 }
 

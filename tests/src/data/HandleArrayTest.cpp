@@ -103,6 +103,13 @@ TYPED_TEST(HandleArray, SharedStorageGoesWithItsLastArray) {
   EXPECT_EQ(this->Content(second), this->Expected({0, 1}));
 }
 
+TYPED_TEST(HandleArray, WithoutAStorageMayEnd) {
+  using Storage = ZynCameraBaseDataTemplate1<typename Family<TypeParam>::Element>;
+  TypeParam array;
+  static_cast<Storage*>(InternalOf(array))->Leave();
+  SetWrapperValue(&array, nullptr, false);
+}
+
 TYPED_TEST(HandleArray, AssigningToItselfKeepsTheElements) {
   TypeParam array = this->Of({0, 1});
   const TypeParam& alias = array;
@@ -247,6 +254,19 @@ TEST(HandleArrayStorage, ClearingEndsTheLastFirstAndKeepsTheMemory) {
   storage.Clear();
   EXPECT_EQ(ended, (std::vector<int>{2, 1, 0}));
   EXPECT_EQ(storage.Elements().capacity(), 8U);
+}
+
+TEST(HandleArrayStorage, ItsEndAndCuttingEndTheLastFirst) {
+  std::vector<int> ended;
+  {
+    ZYNSDK::ZynCameraBaseDataTemplate1<Noted> storage;
+    storage.Elements().reserve(8);
+    for (int i = 0; i < 5; ++i) storage.Elements().emplace_back(i, ended);
+    ended.clear();
+    storage.SetSize(3);
+    EXPECT_EQ(ended, (std::vector<int>{4, 3}));
+  }
+  EXPECT_EQ(ended, (std::vector<int>{4, 3, 2, 1, 0}));
 }
 
 TEST(HandleArrayStorage, GrowingToASizeReservesItFirst) {

@@ -3,6 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "HandleArrayStorage.h"
+#include "Handles.h"
+#include "SetWrapperValue.h"
 #include "ZynCamera.h"
 
 using ZYNSDK::ZynString;
@@ -47,6 +50,12 @@ TEST(ZynStringArray, AssigningCopiesTheElements) {
   const ZynStringArray& alias = second;
   second = alias;
   EXPECT_EQ(Content(second), (Texts{"a", "b"}));
+}
+
+TEST(ZynStringArray, WithoutAStorageMayEnd) {
+  ZynStringArray array;
+  static_cast<ZYNSDK::ZynCameraBaseDataTemplate1<ZynString>*>(fakes::InternalOf(array))->Leave();
+  ZYNSDK::SetWrapperValue(&array, nullptr, false);
 }
 
 TEST(ZynStringArray, CopyIsIndependent) {

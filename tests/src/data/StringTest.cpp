@@ -3,6 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "Handles.h"
+#include "SetWrapperValue.h"
 #include "ZynCamera.h"
 
 using ZYNSDK::ZynString;
@@ -28,6 +30,12 @@ TEST(ZynString, StartsEmpty) {
   const ZynString string;
   EXPECT_EQ(string.length(), 0U);
   EXPECT_STREQ(string.getStr(), "");
+}
+
+TEST(ZynString, WithoutATextMayEnd) {
+  ZynString string;
+  delete static_cast<std::string*>(fakes::InternalOf(string));
+  ZYNSDK::SetWrapperValue(&string, nullptr, false);
 }
 
 TEST(ZynString, NullWithALengthIsEmpty) {
