@@ -17,7 +17,10 @@ class CameraAttribute;
 /// here asks the camera, but for SetCameraAddress.
 ///
 /// Texts are owned by the SDK and stay valid until it is unloaded. They are "" for an empty handle, for what
-/// is not known, and for what the camera's protocol does not have.
+/// is not known, and for what the camera's protocol does not have. Design decision: CameraName,
+/// CameraManufactureName, CameraModel and CameraSerialNumber alone hand on what the transport says, which is null
+/// where it has no such text; a transport that follows its contract always has one. Pinned by
+/// CameraAttributeTest.GeneralTextsPassNullOn.
 class ZYNSDK_API ZynCameraAttribute {
  public:
   ZynCameraAttribute();  ///< refers to nothing
@@ -27,7 +30,7 @@ class ZYNSDK_API ZynCameraAttribute {
 
   // Every camera.
   unsigned int ProtocolType() const;  ///< a ZynProtocolType; 0 for an empty handle
-  const char* CameraName() const;
+  const char* CameraName() const;     ///< may be null, see above; so may the next three
   const char* CameraManufactureName() const;
   const char* CameraModel() const;
   const char* CameraSerialNumber() const;
@@ -54,7 +57,7 @@ class ZYNSDK_API ZynCameraAttribute {
   /// Gives the camera an address. `mask` null: that of the adapter. `gateway` null: the first address of the
   /// network. `persistent`: true also stores the address in the camera, false lasts until its power goes.
   /// False when `ip` is null, a text is no IPv4 address, the camera is not a GigE camera, or did not take the
-  /// address. Writes what it sends and the result to standard output. Blocks up to about 3 seconds.
+  /// address, and for every exception. Writes what it sends and the result to standard output. Blocks up to about 3 seconds.
   bool SetCameraAddress(const char* ip, const char* mask, const char* gateway, bool persistent);
 
   // USB3 Vision cameras.

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "EmptyText.h"
+#include "Guarded.h"
 #include "IpText.h"
 #include "KELGeniCam.h"
 #include "LogicCamera.h"
@@ -112,8 +113,13 @@ bool CameraAttribute::GigeIsNetSegmentConsistent() const {
          (adapter & adapterBits) == (device & deviceBits);
 }
 
+// Guarded as a whole: the description and the texts on the way may throw before the camera is reached.
 bool CameraAttribute::GigeSetCameraAddress(const char* ip, const char* mask, const char* gateway,
                                            bool flag) const {
+  return Guarded([&] { return SetAddress(ip, mask, gateway, flag); }, false);
+}
+
+bool CameraAttribute::SetAddress(const char* ip, const char* mask, const char* gateway, bool flag) const {
   constexpr unsigned int kFirstHost = 0x01000000;  // the last dotted number lies in the highest byte
   if (!IsOf(PROTOCOL_GIGE_VISION) || !ip) return false;
   unsigned int ipNumber = 0;

@@ -61,6 +61,7 @@ class CameraAttribute {
  private:
   bool IsOf(unsigned int protocolType) const;
   const char* GigeText(int index) const;
+  bool SetAddress(const char* ip, const char* mask, const char* gateway, bool flag) const;
 
   LogicCamera* const owner_;
   KELGENICAM::ICameraInfo* const info_;

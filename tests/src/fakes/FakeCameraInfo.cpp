@@ -11,6 +11,7 @@ const char* FakeCameraInfo::SerialNumber() {
 
 const char* FakeCameraInfo::Text(int index) {
   calls.Add("Text" + std::to_string(index));
+  if (throwsOnText) throw std::runtime_error("no texts");
   return texts.at(static_cast<std::size_t>(index));
 }
 

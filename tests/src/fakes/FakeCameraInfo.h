@@ -39,6 +39,7 @@ class FakeCameraInfo : public KELGENICAM::ICameraInfo {
   const char* version = "V1";
   std::array<const char*, 10> texts{};  ///< by index; 0 is not used
   bool throwsOnSerialNumber = false;
+  bool throwsOnText = false;
   CallLog calls;
 };
 

@@ -231,6 +231,7 @@ TEST_F(CameraAttributeTest, NetSegmentIsComparedAndTraced) {
   EXPECT_EQ(output,
             "AdapterIP: 192.168.1.10\nAdapterMask: 255.255.255.0\nDevIP: 192.168.1.99\n"
             "DevMask: 255.255.255.0\n");
+  EXPECT_EQ(info.calls.Names(), (std::vector<std::string>{"Text6", "Text7", "Text1", "Text3"}));
   info.texts[1] = "192.168.2.99";
   EXPECT_FALSE(Quietly([&] { return handle.IsNetSegmentConsistent(); }));
 }
@@ -303,4 +304,14 @@ TEST_F(CameraAttributeTest, ARefusedAddressIsFalse) {
   EXPECT_FALSE(Quietly([&] { return handle.SetCameraAddress("192.168.1.50", nullptr, nullptr, false); }));
   transport.hook = [](const std::string&) { throw 42; };
   EXPECT_FALSE(Quietly([&] { return handle.SetCameraAddress("192.168.1.50", nullptr, nullptr, false); }));
+}
+
+TEST_F(CameraAttributeTest, AnExceptionAnywhereOnTheWayOfAnAddressIsFalse) {
+  info.throwsOnSerialNumber = true;
+  EXPECT_FALSE(Quietly([&] { return handle.SetCameraAddress("192.168.1.50", nullptr, nullptr, false); }));
+  info.throwsOnSerialNumber = false;
+  info.throwsOnText = true;
+  EXPECT_FALSE(Quietly([&] { return handle.SetCameraAddress("192.168.1.50", nullptr, nullptr, false); }));
+  EXPECT_TRUE(transport.addresses.empty());
+  EXPECT_TRUE(Quietly([&] { return handle.SetCameraAddress("192.168.1.50", "255.0.0.0", nullptr, false); }));
 }
