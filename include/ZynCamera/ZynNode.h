@@ -35,7 +35,9 @@ class ZYNSDK_API ZynNode {
   /// Booleans. 101094 when the feature cannot be read now.
   long GetBool(bool* value);
   /// Integers, and floats cut off towards zero. Any of the last three may be null. 101094 when the feature
-  /// cannot be read now; the values are then 0. 101040 after three failed attempts.
+  /// cannot be read now; the values are then 0. 101040 after three failed attempts. Design decision: of a number
+  /// with 64 bits the low 32 are given, so a limit of 9223372036854775807 reads as -1. Pinned by
+  /// PhysicCameraNodeCalls.ANumberOf64BitsIsReadAsItsLow32Bits.
   long GetInt(int* value, int* minimum = nullptr, int* maximum = nullptr, int* increment = nullptr);
   /// Floats and integers. As GetInt. The increment of a float without a fixed one is 1.
   long GetFloat(float* value, float* minimum = nullptr, float* maximum = nullptr, float* increment = nullptr);

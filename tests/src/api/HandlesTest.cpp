@@ -365,6 +365,24 @@ TEST(Zyn3DCameraHandle, GivesTheFeaturesThatA2DHandleOnTheSameCameraGives) {
   EXPECT_EQ(camera.Close(), 0);
 }
 
+TEST(ZynCameraHandle, OpensA3DCameraAsA2DCameraWithItsFile) {
+  fakes::FakeTransport transport;
+  FakeCameraInfo& info = Info("H-2D-of-3D", "KEL-LP3");
+  FakeCamera device;
+  transport.present = {&info};
+  transport.byTLType[1] = {&info};
+  transport.cameras[&info] = {&device};
+  ZynCameraArray cameras;
+  ASSERT_EQ(DiscoveryCamerasByProtocolType(1, &cameras), 0);
+  ASSERT_EQ(cameras.length(), 1U);
+  EXPECT_EQ(cameras[0].Open("no-such-file"), ZYN_ERROR_CONFIG_FILE);
+  Zyn3DCamera camera;
+  ASSERT_EQ(Discovery3DCamera("H-2D-of-3D", &camera), 0);
+  EXPECT_TRUE(camera.IsOpen());
+  EXPECT_EQ(camera.Close(), 0);
+  EXPECT_FALSE(cameras[0].IsOpen());
+}
+
 TEST(NodeMapFunctions, ReachTheCamera) {
   fakes::FakeTransport transport;
   FakeCameraInfo& info = Info("N-2D", "Area-1");
@@ -395,7 +413,11 @@ TEST(NodeMapFunctions, ReachTheCamera) {
 
 TEST(NodeMapFunctionsDeathTest, CheckNothing) {
   ZynCamera empty;
+  Zyn3DCamera empty3D;
   EXPECT_DEATH(Get2DCameraNodeMap(&empty, ZYN_XML_REMOTE_DEVICE), "");
+  EXPECT_DEATH(Get3DCameraNodeMap(&empty3D, ZYN_XML_REMOTE_DEVICE), "");
+  EXPECT_DEATH(Get2DCameraNodeMap(nullptr, ZYN_XML_REMOTE_DEVICE), "");
+  EXPECT_DEATH(Get3DCameraNodeMap(nullptr, ZYN_XML_REMOTE_DEVICE), "");
 }
 
 TEST(ZynCameraHandle, EachFeatureFamilyReachesItsOwnMap) {

@@ -69,6 +69,8 @@ TEST_P(Accepted, OnlyWhatFitsTheType) {
   EXPECT_EQ(node.SetBool(true), Code(accepts.boolean));
   EXPECT_EQ(node.GetInt(&integer, nullptr, nullptr, nullptr), Code(accepts.number));
   EXPECT_EQ(node.GetFloat(&real, nullptr, nullptr, nullptr), Code(accepts.number));
+  EXPECT_EQ(integer, accepts.number ? 0 : -7);  // written also on failure, but not for another type
+  EXPECT_EQ(real, accepts.number ? 0.0F : -7.0F);
   EXPECT_EQ(node.SetInt(1), Code(accepts.setNumber));
   EXPECT_EQ(node.SetFloat(1), Code(accepts.number));
   EXPECT_EQ(node.GetEnumString(&text, &texts), Code(accepts.enumeration));

@@ -385,6 +385,33 @@ TEST_F(LogicCameraDelivery, ClosingDoesNotWaitForTheDelivery) {
   EXPECT_EQ(handler.calls, 1);
 }
 
+TEST_F(LogicCameraDelivery, ClosingDuringTheWaitForAFrameStillDeliversItAndTheThreadReleasesTheDevice) {
+  std::latch entered(1);
+  std::latch allowed(1);
+  std::latch delivered(1);
+  device.hook = [&](const std::string& call) {
+    if (call != "Grab") return;
+    entered.count_down();
+    allowed.wait();
+  };
+  Handler handler([&] { delivered.count_down(); });
+  FakeImage frame(4, 3, 1, 10);
+  device.Deliver(0, &frame);
+  camera.RegisterImageHandler(&handler);
+  EXPECT_EQ(Start(), ZYN_OK);
+  entered.wait();
+  EXPECT_EQ(camera.Close(), ZYN_OK);  // would hang if it waited for the frame
+  EXPECT_FALSE(camera.IsOpen());
+  EXPECT_EQ(device.Releases(), 0);
+  allowed.count_down();
+  delivered.wait();
+  EXPECT_EQ(camera.StopGrab(), ZYN_ERROR_NOT_GRABBING);
+  EXPECT_EQ(handler.calls, 1);
+  EXPECT_EQ(device.calls.Count("Close"), 0);
+  EXPECT_EQ(device.Releases(), 1);
+  EXPECT_EQ(device.calls.Count("Grab"), 1);  // a closed camera is not asked again
+}
+
 #ifdef __linux__
 TEST_F(LogicCameraDelivery, AThreadThatTheSystemRefusesIsAnExceptionAndTheStreamRuns) {
   Handler handler;

@@ -46,6 +46,8 @@ class LogicCameraGrab : public testing::Test {
   ZynChunkData chunk;
 };
 
+class EachFrameCall : public LogicCameraGrab, public testing::WithParamInterface<const char*> {};
+
 struct Translation {
   long from;
   long to;
@@ -244,6 +246,26 @@ TEST_F(LogicCameraGrab, AFrameWhoseChunksAndReleaseThrowIsOneCodeAndOneRelease) 
   EXPECT_EQ(camera.Grab(&image, &chunk), ZYN_ERROR_EXCEPTION);
   EXPECT_EQ(frame.Releases(), 1);
 }
+
+TEST_P(EachFrameCall, ThatThrowsIsACodeAndTheFrameIsReleasedOnce) {
+  FakeImage first(2, 1, 1, 2);
+  device.Deliver(0, &first);
+  ASSERT_EQ(camera.Grab(&image, nullptr), ZYN_OK);
+  FakeImage frame(4, 3, 1, 10);
+  frame.hook = [](const std::string& call) {
+    if (call == GetParam()) throw 42;
+  };
+  device.Deliver(0, &frame);
+  EXPECT_EQ(camera.Grab(&image, &chunk), ZYN_ERROR_EXCEPTION);
+  EXPECT_EQ(frame.Releases(), 1);
+  const bool comesAfterTheImage = std::string(GetParam()) == "Chunks";
+  EXPECT_EQ(image.Width(), comesAfterTheImage ? 4 : 2);
+  EXPECT_EQ(chunk.getLength(), 0U);
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, EachFrameCall,
+                         testing::Values("IsValid", "Height", "Width", "Channels", "Step", "Chunks"),
+                         [](const auto& test) { return std::string(test.param); });
 
 TEST_F(LogicCameraGrab, AFrameWithoutPixelsStillGivesAnImageOfItsShape) {
   FakeImage frame(4, 3, 1, 10);

@@ -91,6 +91,27 @@ TEST_F(LogicCameraNodes, NullArgumentsAreRefused) {
   EXPECT_EQ(camera.GetNodesByXmlType(nullptr, kRemote), ZYN_ERROR_INVALID_ARGUMENT);
 }
 
+TEST_F(LogicCameraNodes, ANodeMapThatDoesNotExistIsNoNodeMap) {
+  for (int source : {5, -1}) {
+    EXPECT_EQ(camera.GetNodeByXmlType("Width", &node, static_cast<ZynXmlSource>(source)),
+              ZYN_ERROR_NO_NODE_MAP);
+    nodes.setSize(3);
+    EXPECT_EQ(camera.GetNodesByXmlType(&nodes, static_cast<ZynXmlSource>(source)), ZYN_ERROR_NO_NODE_MAP);
+    EXPECT_EQ(nodes.length(), 0U);
+    EXPECT_EQ(camera.GetNodesMap(static_cast<ZynXmlSource>(source)), nullptr);
+  }
+}
+
+TEST_F(LogicCameraNodes, AFailedLookUpLeavesTheHandleAlone) {
+  ASSERT_EQ(camera.GetRemoteNode("Width", &node), ZYN_OK);
+  const void* before = InternalOf(node);
+  EXPECT_EQ(camera.GetRemoteNode("Nothing", &node), ZYN_ERROR_NO_SUCH_NODE);
+  ThrowInLookUps();
+  EXPECT_EQ(camera.GetRemoteNode("Gain", &node), ZYN_ERROR_EXCEPTION);
+  EXPECT_THROW(camera.GetRemoteNode("TriggerSoftware", &node), GenICam::GenericException);
+  EXPECT_EQ(InternalOf(node), before);
+}
+
 TEST_F(LogicCameraNodes, SpecialNamesAreExactlyFour) {
   for (const char* name : {"ExposureTime", "TriggerDelay", "Gain", "AcquisitionFrameRate"}) {
     EXPECT_TRUE(LogicCamera::IsSpecialNode(name));

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
@@ -120,4 +122,40 @@ TEST_F(PhysicCameraNodeCalls, AWriteOnlyEntryIsListedAnUnavailableOrUnimplemente
   EXPECT_STREQ(entries[0].getStr(), "WO");
   EXPECT_STREQ(entries[1].getStr(), "RO");
   EXPECT_STREQ(entries[2].getStr(), "RW");
+}
+
+TEST_F(PhysicCameraNodeCalls, ANumberOf64BitsIsReadAsItsLow32Bits) {
+  fakes::FakeInteger node("Timestamp");
+  node.value = 0x100000005;
+  node.minimum = std::numeric_limits<std::int64_t>::min();
+  node.maximum = std::numeric_limits<std::int64_t>::max();
+  node.increment = 0x200000001;
+  map.nodes = {&node};
+  int value = -1, minimum = -1, maximum = 7, increment = -1;
+  EXPECT_EQ(device.GetInt("Timestamp", kRemote, value, minimum, maximum, increment), ZYN_OK);
+  EXPECT_EQ(value, 5);
+  EXPECT_EQ(minimum, 0);
+  EXPECT_EQ(maximum, -1);
+  EXPECT_EQ(increment, 1);
+}
+
+TEST_F(PhysicCameraNodeCalls, AFloatThatSaysItHasNoIncrementIsNotAskedForOne) {
+  fakes::FakeFloat node("Gain");
+  node.hasIncrement = false;
+  map.nodes = {&node};
+  float value = 0, minimum = 0, maximum = 0, increment = -1;
+  EXPECT_EQ(device.GetFloat("Gain", kRemote, value, minimum, maximum, increment), ZYN_OK);
+  EXPECT_EQ(increment, 1.0F);
+}
+
+TEST_F(PhysicCameraNodeCalls, AStartReadsTheTriggerSourceAlsoOfACameraThatIsNotTriggered) {
+  fakes::FakeEnumeration mode("TriggerMode");
+  fakes::FakeEnumeration source("TriggerSource");
+  mode.text = "Off";
+  source.text = "Line1";
+  map.nodes = {&mode, &source};
+  EXPECT_EQ(device.StartGrab(KELGENICAM::GRAB_ONE_BY_ONE, 0), ZYN_OK);
+  EXPECT_EQ(mode.reads, kOneUnverifiedCachedRead);
+  EXPECT_EQ(source.reads, kOneUnverifiedCachedRead);
+  EXPECT_EQ(device.TriggerSource(), 0);
 }

@@ -464,6 +464,20 @@ TEST_F(PhysicCameraNodes, ASecondStartLeavesTheTriggerSourceAlone) {
   EXPECT_EQ(device.TriggerSource(), 2);
 }
 
+TEST_F(PhysicCameraNodes, AStartThatCannotReadTheTriggerForgetsTheSourceBefore) {
+  area.port.Put(MemoryPort::kTriggerMode, 1);
+  area.port.Put(MemoryPort::kTriggerSource, 3);
+  device.StartGrab(KELGENICAM::GRAB_ONE_BY_ONE, 0);
+  EXPECT_EQ(device.TriggerSource(), 4);
+  device.StopGrab();
+  camera.hook = [](const std::string& call) {
+    if (call == "RemoteDeviceNodeMap") throw 42;
+  };
+  EXPECT_THROW(device.StartGrab(KELGENICAM::GRAB_ONE_BY_ONE, 0), int);
+  EXPECT_EQ(device.TriggerSource(), 0);
+  camera.hook = nullptr;
+}
+
 TEST_F(PhysicCameraNodes, ACameraWithoutTriggerSourceStartsFreeRunning) {
   TestNodeMap onlyMode(R"(<Enumeration Name="TriggerMode"><EnumEntry Name="On"><Value>1</Value></EnumEntry>
       <Value>1</Value></Enumeration>)",

@@ -53,7 +53,10 @@ TEST_F(PhysicCameraTest, OpensForControlAndCloses) {
 TEST_F(PhysicCameraTest, SecondOpenIsRefusedAndKeepsTheDeviceOpen) {
   Open();
   EXPECT_EQ(device.Open(&info), ZYN_ERROR_ALREADY_OPEN);
-  EXPECT_EQ(transport.calls.Count("CreateCamera"), 1);
+  EXPECT_EQ(device.Open(std::string()), ZYN_ERROR_ALREADY_OPEN);
+  EXPECT_EQ(device.Open(std::string("SN1")), ZYN_ERROR_ALREADY_OPEN);
+  EXPECT_EQ(device.Open(nullptr), ZYN_ERROR_ALREADY_OPEN);
+  EXPECT_EQ(transport.calls.Names(), (Calls{"CreateCamera"}));
   EXPECT_TRUE(device.IsOpen(&info));
   EXPECT_EQ(device.Close(), ZYN_OK);
   EXPECT_EQ(camera.calls.Count("Close"), 1);  // one reference only
@@ -71,6 +74,14 @@ TEST_F(PhysicCameraTest, ACameraThatRefusesToOpenIsReleased) {
   EXPECT_EQ(camera.calls.Names(), (Calls{"Open", "Release"}));
   EXPECT_EQ(device.Open(&info), ZYN_OK);  // and the next attempt makes a new one
   EXPECT_EQ(device.Close(), ZYN_OK);
+}
+
+TEST_F(PhysicCameraTest, ARefusedCameraWhoseReleaseThrowsTellsTheException) {
+  camera.openResult = KELGENICAM::RESULT_ACCESS_DENIED;
+  ThrowIn(camera, "Release");
+  EXPECT_THROW(device.Open(&info), std::runtime_error);
+  EXPECT_EQ(camera.Releases(), 1);
+  EXPECT_EQ(device.Close(), ZYN_ERROR_NOT_OPEN);  // would hang if the lock were still held
 }
 
 TEST_F(PhysicCameraTest, ACameraWhoseOpenThrowsIsReleasedAndTheExceptionPasses) {
@@ -219,7 +230,8 @@ TEST_F(PhysicCameraTest, ResultsOfTheTransportThatDoNotCount) {
   EXPECT_EQ(device.SetCLCameraParam("Baud", "9600"), ZYN_OK);
   EXPECT_EQ(camera.paramName, "Baud");
   EXPECT_EQ(camera.paramValue, "9600");
-  device.Close();
+  camera.closeResult = -3;
+  EXPECT_EQ(device.Close(), ZYN_OK);
 }
 
 TEST_F(PhysicCameraTest, RegisteringHandsTheTransportsResultThrough) {

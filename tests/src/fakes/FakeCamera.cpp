@@ -25,7 +25,7 @@ int FakeCamera::Close() {
   Enter("Close");
   isOpen = false;
   isGrabbing = false;
-  return 0;
+  return closeResult;
 }
 
 bool FakeCamera::IsOpen() {

@@ -52,6 +52,7 @@ class FakeCamera : public KELGENICAM::ICamera {
   std::function<void(const std::string& call)> hook;
   std::function<void()> afterIsGrabbing;  ///< runs when the answer is known, before it is given
   int openResult = 0;
+  int closeResult = 0;
   int startResult = 0;
   bool comesUp = true;  ///< a successful start leaves it grabbing
   int stopResult = 0;

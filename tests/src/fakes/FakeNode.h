@@ -95,14 +95,14 @@ class FakeInteger : public FakeValueNode<GenApi::IInteger, GenApi::intfIInteger>
   GenApi::IInteger& operator=(std::int64_t /*value*/) override { return *this; }
   std::int64_t GetValue(bool verify, bool ignoreCache) override {
     Record(verify, ignoreCache);
-    return 7;
+    return value;
   }
   std::int64_t operator()() override { return GetValue(false, false); }
   std::int64_t operator*() override { return GetValue(false, false); }
-  std::int64_t GetMin() override { return 1; }
-  std::int64_t GetMax() override { return 9; }
+  std::int64_t GetMin() override { return minimum; }
+  std::int64_t GetMax() override { return maximum; }
   GenApi::EIncMode GetIncMode() override { return GenApi::fixedIncrement; }
-  std::int64_t GetInc() override { return 2; }
+  std::int64_t GetInc() override { return increment; }
   GenApi::int64_autovector_t GetListOfValidValues(bool /*bounded*/) override {
     return GenApi::int64_autovector_t();
   }
@@ -110,9 +110,11 @@ class FakeInteger : public FakeValueNode<GenApi::IInteger, GenApi::intfIInteger>
   GenICam::gcstring GetUnit() override { return ""; }
   void ImposeMin(std::int64_t /*value*/) override {}
   void ImposeMax(std::int64_t /*value*/) override {}
+
+  std::int64_t value = 7, minimum = 1, maximum = 9, increment = 2;
 };
 
-/// Says that it has an increment, 0.25, in whichever mode is scripted.
+/// Has an increment, 0.25, in whichever mode is scripted; may say that it has none.
 class FakeFloat : public FakeValueNode<GenApi::IFloat, GenApi::intfIFloat> {
  public:
   using FakeValueNode::FakeValueNode;
@@ -127,7 +129,7 @@ class FakeFloat : public FakeValueNode<GenApi::IFloat, GenApi::intfIFloat> {
   double operator*() override { return GetValue(false, false); }
   double GetMin() override { return 0.0; }
   double GetMax() override { return 8.0; }
-  bool HasInc() override { return true; }
+  bool HasInc() override { return hasIncrement; }
   GenApi::EIncMode GetIncMode() override { return incrementMode; }
   double GetInc() override { return 0.25; }
   GenApi::double_autovector_t GetListOfValidValues(bool /*bounded*/) override {
@@ -141,6 +143,7 @@ class FakeFloat : public FakeValueNode<GenApi::IFloat, GenApi::intfIFloat> {
   void ImposeMax(double /*value*/) override {}
 
   GenApi::EIncMode incrementMode = GenApi::fixedIncrement;
+  bool hasIncrement = true;
 };
 
 class FakeBoolean : public FakeValueNode<GenApi::IBoolean, GenApi::intfIBoolean> {

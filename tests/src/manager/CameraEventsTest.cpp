@@ -105,6 +105,14 @@ TEST_F(CameraEventsTest, A2DHandlerHearsAtOnceOfEach2DCamera) {
   EXPECT_EQ(Searches(), 2);
 }
 
+TEST_F(CameraEventsTest, UnInitDoesNotEndTheScanThread) {
+  Register2D(&recorder);
+  EventsOfTheFirstSearch();
+  EXPECT_EQ(manager.ZynSDKUnInit(), 0);
+  transport.SetPresent({&b, &laser});
+  EXPECT_THAT(EventsOfTheNextSearch(), ElementsAre(Event("A", 2)));
+}
+
 TEST_F(CameraEventsTest, A3DHandlerHearsAtOnceOfEach3DCamera) {
   Register3D(&recorder);
   metronome.Settle();

@@ -82,6 +82,44 @@ TEST_F(CameraManagerTest, AFailingSearchLeavesTheArrayEmptyAndTheRegistryAsItWas
   EXPECT_EQ(found.length(), 0U);
   transport.hook = nullptr;
   EXPECT_TRUE(manager.FindCamera("A")->IsOnline());
+  manager.DiscoveryCameras(&found);
+  manager.Discovery3DCameras(&found3D);
+  transport.hook = [](const std::string&) { throw std::runtime_error("search failed"); };
+  EXPECT_THROW(manager.DiscoveryCamerasByProtocolType(1, &found), std::runtime_error);
+  EXPECT_EQ(found.length(), 0U);
+  EXPECT_THROW(manager.Discovery3DCameras(&found3D), std::runtime_error);
+  EXPECT_EQ(found3D.length(), 0U);
+}
+
+TEST_F(CameraManagerTest, ADescriptionThatThrowsEndsTheSearchAndTheNextOnePutsItRight) {
+  FakeCameraInfo broken("X", "Area-1");
+  broken.throwsOnSerialNumber = true;
+  transport.present = {&a, &broken, &b};
+  EXPECT_THROW(manager.DiscoveryCameras(&found), std::runtime_error);
+  ASSERT_NE(manager.FindCamera("A"), nullptr);  // would hang if the lock were still held
+  EXPECT_EQ(manager.FindCamera("B"), nullptr);
+  transport.present = {&a, &b, &laser};
+  manager.SearchCameras();
+  transport.present = {&a, &broken};
+  EXPECT_THROW(manager.SearchCameras(), std::runtime_error);
+  EXPECT_TRUE(manager.FindCamera("B")->IsOnline());  // nobody has said yet that it is gone
+  transport.present = {&a};
+  manager.SearchCameras();
+  EXPECT_TRUE(manager.FindCamera("A")->IsOnline());
+  EXPECT_FALSE(manager.FindCamera("B")->IsOnline());
+  EXPECT_FALSE(manager.FindCamera("L")->IsOnline());
+}
+
+TEST_F(CameraManagerTest, UnInitForgetsNoCameraAndClosesNone) {
+  fakes::FakeCamera device;
+  transport.cameras[&a] = {&device};
+  manager.SearchCameras();
+  ASSERT_EQ(manager.FindCamera("A")->Open(nullptr), 0);
+  EXPECT_EQ(manager.ZynSDKUnInit(), 0);
+  ASSERT_NE(manager.FindCamera("A"), nullptr);
+  EXPECT_TRUE(manager.FindCamera("A")->IsOnline());
+  EXPECT_TRUE(manager.FindCamera("A")->IsOpen());
+  EXPECT_EQ(manager.FindCamera("A")->Close(), 0);
 }
 
 TEST_F(CameraManagerTest, SearchingByProtocolGivesBothKindsAs2DHandles) {
@@ -219,6 +257,14 @@ TEST_F(CameraManagerTest, ExceptionsOfTheTransportPass) {
   transport.hook = [](const std::string& call) { throw std::runtime_error(call); };
   EXPECT_THROW(manager.SearchCameras(), std::runtime_error);
   EXPECT_THROW(manager.SearchCamerasByProtocolType(1), std::runtime_error);
+  ZynCamera camera;
+  Zyn3DCamera camera3D;
+  std::vector<ZynCamera> all2D;
+  std::vector<Zyn3DCamera> all3D;
+  EXPECT_THROW(manager.DiscoveryCamera("nobody", &camera), std::runtime_error);
+  EXPECT_THROW(manager.Discovery3DCamera("nobody", &camera3D), std::runtime_error);
+  EXPECT_THROW(manager.DiscoveryAllCameras(&all2D, &all3D), std::runtime_error);
+  EXPECT_THROW(manager.ZynSDKInit(), std::runtime_error);
   EXPECT_THROW(manager.GetCLCameraProtocols(), std::runtime_error);
   EXPECT_THROW(manager.GetCLCameraSerials(), std::runtime_error);
 }
