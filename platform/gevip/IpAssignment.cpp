@@ -145,7 +145,7 @@ int Assign(const std::string& serial, const IpSettings& settings, bool persisten
   // Loopback addresses are for virtual cameras on this computer only.
   const bool isVirtual = gige::IsLoopback(adapter->addresses.front().ip);
   if (gige::IsLoopback(settings.ip) && !isVirtual) return GEV_IP_INVALID_ADDRESS;
-  if (IsTaken(settings.ip, camera, all, *adapter)) return GEV_IP_INVALID_ADDRESS;
+  if (IsTaken(settings.ip, camera, all, *adapter)) return GEV_IP_ADDRESS_TAKEN;
   if (camera.control == gige::ControlState::controlled) return GEV_IP_IN_USE;
   return AssignTo(camera, *adapter, settings, persistent);
 }

@@ -19,7 +19,8 @@ enum GEV_IP_RESULT {
   GEV_IP_NO_ANSWER = 4,        ///< the camera did not take the address, or is not seen with it afterwards
   GEV_IP_IN_USE = 5,           ///< another application controls the camera
   GEV_IP_NOT_PERSISTENT = 6,   ///< the address is in force, but the camera could not store it
-  GEV_IP_ERROR = 7             ///< the operating system refused (no socket, no adapter)
+  GEV_IP_ERROR = 7,            ///< the operating system refused (no socket, no adapter)
+  GEV_IP_ADDRESS_TAKEN = 8     ///< another camera on the same wire, or this computer, has the address
 };
 
 /// Gives the camera with this serial number the address `ip` with the network mask `mask` and the default

@@ -116,10 +116,10 @@ TEST(SetCameraIp, UnusableAddressesAreRefusedBeforeAnythingIsSent) {
   EXPECT_TRUE(device.Commands(command::kDiscovery).empty());
 }
 
-TEST(SetCameraIp, AnotherCamerasAddressIsRefused) {
+TEST(SetCameraIp, AnotherCamerasAddressIsTaken) {
   const ScriptedDevice device(LoopbackIdentity(2, "S"));
   const ScriptedDevice other(LoopbackIdentity(3, "OTHER"));
-  EXPECT_EQ(SetCameraIP("S", "127.0.0.3", "255.0.0.0", "0.0.0.0", false), GEV_IP_INVALID_ADDRESS);
+  EXPECT_EQ(SetCameraIP("S", "127.0.0.3", "255.0.0.0", "0.0.0.0", false), GEV_IP_ADDRESS_TAKEN);
   EXPECT_TRUE(device.Commands(command::kForceIp).empty());
 }
 
