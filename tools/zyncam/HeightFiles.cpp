@@ -7,6 +7,7 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
+#include "JsonText.h"
 #include "OutputFile.h"
 #include "PngWriter.h"
 
@@ -115,7 +116,7 @@ void WriteSidecar(const std::string& path, const HeightMap& map) {
   json["x"] = AxisJson(map.x);
   json["y"] = AxisJson(map.y);
   json["z"] = AxisJson(map.z);
-  const std::string text = json.dump(2) + "\n";
+  const std::string text = JsonText(json) + "\n";
   WriteFile(path, text.data(), text.size());
 }
 

@@ -5,6 +5,7 @@
 #include "Camera.h"
 #include "Failure.h"
 #include "FeatureText.h"
+#include "JsonText.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -47,7 +48,7 @@ void GetFeatures(Console& console, const CommonOptions& common, const AccessOpti
       console.Line(several ? NameOf(node) + "=" + value : value);
     }
   }
-  if (common.json) console.Line(list.dump(2));
+  if (common.json) console.Line(JsonText(list));
 }
 
 void SetFeatures(Console& console, const CommonOptions& common, const AccessOptions& options) {
@@ -71,7 +72,7 @@ void SetFeatures(Console& console, const CommonOptions& common, const AccessOpti
     const FeatureValue readBack = ReadValue(node);
     console.Line(NameOf(node) + "=" + (readBack.readable ? readBack.text : value));
   }
-  if (common.json) console.Line(list.dump(2));
+  if (common.json) console.Line(JsonText(list));
 }
 
 void ExecuteFeature(Console& console, const CommonOptions& common, const AccessOptions& options) {
@@ -82,7 +83,7 @@ void ExecuteFeature(Console& console, const CommonOptions& common, const AccessO
   INode& node = FindFeature(camera.NodeMap(options.map), name);
   ExecuteCommand(node, options.timeoutMs);
   if (common.json) {
-    console.Line(nlohmann::ordered_json{{"name", NameOf(node)}, {"done", true}}.dump(2));
+    console.Line(JsonText({{"name", NameOf(node)}, {"done", true}}));
   } else {
     console.Line(NameOf(node) + " done");
   }

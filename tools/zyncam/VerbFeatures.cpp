@@ -7,6 +7,7 @@
 #include "Camera.h"
 #include "Failure.h"
 #include "FeatureText.h"
+#include "JsonText.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -103,7 +104,7 @@ void ShowFlat(Console& console, const CommonOptions& common, INodeMap& map, cons
   }
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   for (INode* node : FlatList(map, options)) list.push_back(DescribeFeature(*node));
-  console.Line(list.dump(2));
+  console.Line(JsonText(list));
 }
 
 }  // namespace
@@ -120,7 +121,7 @@ void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesO
   }
   Tree tree(options);
   if (common.json) {
-    console.Line(tree.Json(*root).dump(2));
+    console.Line(JsonText(tree.Json(*root)));
   } else {
     tree.Print(console, *root, "");
   }

@@ -8,6 +8,7 @@
 #include "Failure.h"
 #include "FeatureText.h"
 #include "Interrupt.h"
+#include "JsonText.h"
 #include "OutputFile.h"
 #include "PngWriter.h"
 #include "Verbs.h"
@@ -109,7 +110,7 @@ void Report(Console& console, const CommonOptions& common, const GrabOptions& op
     json["seconds"] = outcome.seconds;
     json["framesPerSecond"] = outcome.FramesPerSecond();
     json["files"] = outcome.files;
-    console.Line(json.dump(2));
+    console.Line(JsonText(json));
     return;
   }
   std::string line = std::to_string(outcome.delivered) + " frames of " + std::to_string(outcome.width) +

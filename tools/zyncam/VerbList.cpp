@@ -4,6 +4,7 @@
 
 #include "Camera.h"
 #include "CameraJson.h"
+#include "JsonText.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -50,7 +51,7 @@ void ListCameras(Console& console, const CommonOptions& common) {
   if (common.json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (Camera& camera : cameras) list.push_back(JsonOf(camera.Describe()));
-    console.Line(list.dump(2));
+    console.Line(JsonText(list));
     return;
   }
   if (cameras.empty()) {
@@ -67,13 +68,13 @@ void ShowInfo(Console& console, const CommonOptions& common) {
   const CameraDescription camera = session.Select(common.camera).Describe();
   const nlohmann::ordered_json json = JsonOf(camera);
   if (common.json) {
-    console.Line(json.dump(2));
+    console.Line(JsonText(json));
     return;
   }
   for (const auto& [key, value] : json.items()) {
     std::string label = key;
     label.append(label.size() < 18 ? 18 - label.size() : 1, ' ');
-    console.Line(label + (value.is_string() ? OrDash(value.get<std::string>()) : value.dump()));
+    console.Line(label + (value.is_string() ? OrDash(value.get<std::string>()) : JsonText(value, -1)));
   }
 }
 

@@ -6,6 +6,7 @@
 #include "Failure.h"
 #include "HeightFiles.h"
 #include "Interrupt.h"
+#include "JsonText.h"
 #include "OutputFile.h"
 #include "Verbs.h"
 
@@ -94,7 +95,7 @@ void Report(Console& console, const CommonOptions& common, const ProfileOptions&
     json["incomplete"] = outcome.incomplete;
     json["points"] = outcome.points;
     json["files"] = outcome.files;
-    console.Line(json.dump(2));
+    console.Line(JsonText(json));
     return;
   }
   std::string line =

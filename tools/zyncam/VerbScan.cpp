@@ -6,6 +6,7 @@
 #include "Failure.h"
 #include "HeightFiles.h"
 #include "Interrupt.h"
+#include "JsonText.h"
 #include "OutputFile.h"
 #include "Verbs.h"
 
@@ -80,7 +81,7 @@ void Report(Console& console, const CommonOptions& common, const ScanOptions& op
     json["width"] = map.width;
     json["height"] = map.height;
     json["files"] = files;
-    console.Line(json.dump(2));
+    console.Line(JsonText(json));
     return;
   }
   console.Line("a scan of " + std::to_string(map.height) + " profiles of " + std::to_string(map.width) +

@@ -8,6 +8,7 @@
 
 #include "Camera.h"
 #include "CameraJson.h"
+#include "JsonText.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -93,8 +94,7 @@ class Watcher : public ZYNSDK::ICameraEventHandler, public ZYNSDK::I3DCameraEven
     line["event"] = hasAppeared ? "appeared" : "gone";
     line.update(JsonOf(camera));
     if (!hasAppeared) line.erase("status");  // what it was when it was last seen
-    // A name that is no UTF-8 must not end the watch.
-    return line.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+    return JsonText(line, -1);
   }
 
   Console& console_;

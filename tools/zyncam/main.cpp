@@ -12,6 +12,7 @@
 
 #include "Console.h"
 #include "Failure.h"
+#include "JsonText.h"
 #include "Simulator.h"
 #include "Verbs.h"
 
@@ -193,7 +194,7 @@ int ReportFailure(Console& console, const CommandLine& line, const Failure& fail
     error["message"] = failure.what();
     error["status"] = failure.Status();
     error["advice"] = failure.Advice();
-    console.Line(nlohmann::ordered_json{{"error", error}}.dump(2));
+    console.Line(JsonText({{"error", error}}));
     return failure.Exit();
   }
   Console::Note(std::string("zyncam: ") + failure.what());

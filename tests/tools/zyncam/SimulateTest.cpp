@@ -88,6 +88,17 @@ TEST_F(ZyncamSimulate, ReadsAndWritesFeatures) {
   EXPECT_EQ(Run({"--simulate", "get", "-m", "interface", "SimCameraPlugged"}).exitCode, 0);
 }
 
+TEST_F(ZyncamSimulate, TextsThatAreNotUtf8StillMakeValidJson) {
+  Configure(kOne);
+  const Finished unknown = Run({"--simulate", "info", "-c", "caf\xe9", "--json"});
+  EXPECT_EQ(unknown.exitCode, 3) << unknown.err;
+  EXPECT_EQ(json::parse(unknown.out, nullptr, false)["error"]["message"],
+            "no camera matches \"caf\xEF\xBF\xBD\"");
+  const Finished set = Run({"--simulate", "set", "DeviceUserID=caf\xe9", "--json"});
+  EXPECT_EQ(set.exitCode, 0) << set.err;
+  EXPECT_EQ(json::parse(set.out, nullptr, false)[0]["value"], "caf\xEF\xBF\xBD") << set.out;
+}
+
 TEST_F(ZyncamSimulate, ProfileWritesTheScenesHeightsAsATableAndAPlot) {
   Configure(kOne);
   const Finished result =
