@@ -56,7 +56,7 @@ class PacketSender::Group {
 
   bool SendSegmented(int descriptor, sockaddr_in& receiver) {
 #if defined(UDP_SEGMENT)
-    std::array<iovec, 2 * kGroup> parts{};
+    std::array<iovec, std::size_t{2} * kGroup> parts{};
     for (std::size_t i = 0; i < count_; ++i) {
       parts[2 * i] = packets_[i].parts[0];
       parts[2 * i + 1] = packets_[i].parts[1];

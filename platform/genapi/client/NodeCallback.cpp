@@ -13,7 +13,7 @@ void Deregister(CallbackHandleType hCallback) {
   auto* const callback = reinterpret_cast<CNodeCallback*>(hCallback);
   INode* const node = callback->GetNode();
   if (auto* const own = dynamic_cast<zyn::genapi::Node*>(node)) return own->DeregisterAndDestroy(hCallback);
-  node->DeregisterCallback(hCallback);
+  if (node != nullptr) node->DeregisterCallback(hCallback);
   callback->Destroy();
 }
 

@@ -89,7 +89,7 @@ class Writer {
   }
 
   void WriteNode(NodeId id, const char* element, const std::string& name, int depth) {
-    const std::string indent(static_cast<std::size_t>(2 * depth), ' ');
+    const std::string indent(2 * static_cast<std::size_t>(depth), ' ');
     out_.append(indent).append("<").append(element);
     Attribute("Name", name);
     if (in_.nodes[id].nameSpace == Standard) Attribute("NameSpace", "Standard");
@@ -108,7 +108,7 @@ class Writer {
     if (IsWrittenInside(id, property)) return WriteInner(id, property, depth);
     const bool isAdopted = property.element == Element::enumEntry;
     const char* const name = isAdopted ? XmlName(Element::pEnumEntry) : XmlName(property.element);
-    out_.append(static_cast<std::size_t>(2 * depth), ' ').append("<").append(name);
+    out_.append(2 * static_cast<std::size_t>(depth), ' ').append("<").append(name);
     const std::string_view attribute = in_.Text(property.attribute);
     if (!attribute.empty() && !isAdopted) Attribute(AttributeName(property.element), attribute);
     if (offset) Attribute("pOffset", in_.Text(offset->text));

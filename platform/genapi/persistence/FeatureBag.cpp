@@ -343,7 +343,7 @@ CFeatureBag::~CFeatureBag() {
 }
 
 CFeatureBag& CFeatureBag::operator=(const CFeatureBag& other) {
-  *m_pImpl = Impl(*other.m_pImpl);
+  if (this != &other) *m_pImpl = Impl(*other.m_pImpl);
   return *this;
 }
 
