@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <optional>
 #include <vector>
 
@@ -60,12 +61,17 @@ int main(int count, char** arguments) {
     std::fputs("usage: zyn-scene-check SCAN.PNG\n", stderr);
     return 2;
   }
-  const auto map = Read(arguments[1]);
-  if (!map) {
-    std::fprintf(stderr, "%s is no grey PNG file of 16 bits\n", arguments[1]);
+  try {
+    const auto map = Read(arguments[1]);
+    if (!map) {
+      std::fprintf(stderr, "%s is no grey PNG file of 16 bits\n", arguments[1]);
+      return 2;
+    }
+    const int largest = LargestDifference(*map);
+    std::printf("%d\n", largest);
+    return largest == 0 ? 0 : 1;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s: %s\n", arguments[1], error.what());
     return 2;
   }
-  const int largest = LargestDifference(*map);
-  std::printf("%d\n", largest);
-  return largest == 0 ? 0 : 1;
 }

@@ -76,7 +76,7 @@ Running Start(const CameraEntry& entry) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
+int main(int count, char** arguments) try {
   CommandLine line;
   CLI::App app("GigE Vision cameras on this computer, without hardware");
   AddOptions(app, line);
@@ -87,18 +87,16 @@ int main(int count, char** arguments) {
   sigaddset(&ends, SIGINT);
   sigaddset(&ends, SIGTERM);
   pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-  try {
-    std::vector<CameraEntry> cameras = Cameras(line);
-    virtualcamera::Complete(cameras);
-    std::list<Running> running;
-    for (const CameraEntry& entry : cameras) running.push_back(Start(entry));
-    std::printf("%zu on the wire\n", running.size());
-    std::fflush(stdout);
-    int signal = 0;
-    sigwait(&ends, &signal);
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "zyn-virtual-camera: %s\n", error.what());
-    return 1;
-  }
+  std::vector<CameraEntry> cameras = Cameras(line);
+  virtualcamera::Complete(cameras);
+  std::list<Running> running;
+  for (const CameraEntry& entry : cameras) running.push_back(Start(entry));
+  std::printf("%zu on the wire\n", running.size());
+  std::fflush(stdout);
+  int signal = 0;
+  sigwait(&ends, &signal);
+  return 0;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "zyn-virtual-camera: %s\n", error.what());
+  return 1;
 }
