@@ -1,12 +1,9 @@
 #include "CameraLink.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <array>
-#include <cstdint>
+#include <chrono>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <set>
 #include <string_view>
@@ -14,6 +11,8 @@
 #include <vector>
 
 #include "../producer/SearchPath.h"
+#include "CameraLinkLibrary.h"
+#include "LibraryInquiry.h"
 
 namespace zyn::transport {
 
@@ -36,7 +35,7 @@ constexpr std::array<const char*, 6> kSystemFolders = {"/usr/local/lib",
                                                        "/usr/lib",
                                                        "/lib"};
 
-constexpr unsigned kMostPorts = 1024;  // a larger count is a broken library
+constexpr std::chrono::milliseconds kPatience{2000};  // for all libraries together
 
 std::vector<std::string> FoldersOf(const char* variable) {
   return SplitPathList(std::getenv(variable));  // NOLINT(concurrency-mt-unsafe): read, never written here
@@ -64,45 +63,15 @@ std::vector<std::string> LibrariesIn(const std::vector<std::string>& folders, st
   return libraries;
 }
 
-template <class Function>
-Function Symbol(void* library, const char* name) {
-  void* symbol = dlsym(library, name);
-  Function function = nullptr;
-  std::memcpy(&function, &symbol, sizeof(function));
-  return function;
+// A library that was given up stays in the inquiry's care until its call returns, hence the objects are never destroyed.
+LibraryInquiry& SerialInquiry() {
+  static auto* const inquiry = new LibraryInquiry(SerialPortsOf);
+  return *inquiry;
 }
 
-using GetManufacturerInfo = std::int32_t (*)(char*, std::uint32_t*, std::uint32_t*);
-using GetNumSerialPorts = std::int32_t (*)(std::uint32_t*);
-using GetSerialPortIdentifier = std::int32_t (*)(std::uint32_t, char*, std::uint32_t*);
-
-std::string Manufacturer(void* library, const std::string& file) {
-  std::array<char, 512> name{};
-  auto size = static_cast<std::uint32_t>(name.size() - 1);
-  std::uint32_t version = 0;
-  const auto ask = Symbol<GetManufacturerInfo>(library, "clGetManufacturerInfo");
-  if (ask && ask(name.data(), &size, &version) == 0 && name.front() != '\0') return name.data();
-  return fs::path(file).stem().string();
-}
-
-void AddPorts(const std::string& file, std::list<std::string>& ports) {
-  void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!library) return;  // stays loaded afterwards: vendors' libraries do not survive unloading reliably
-  const auto count = Symbol<GetNumSerialPorts>(library, "clGetNumSerialPorts");
-  const auto identify = Symbol<GetSerialPortIdentifier>(library, "clGetSerialPortIdentifier");
-  std::uint32_t number = 0;
-  if (!count || !identify || count(&number) != 0) return;
-  const std::string manufacturer = Manufacturer(library, file);
-  for (std::uint32_t i = 0; i < std::min(number, kMostPorts); ++i) {
-    std::array<char, 512> port{};
-    auto size = static_cast<std::uint32_t>(port.size() - 1);
-    if (identify(i, port.data(), &size) == 0) ports.push_back(manufacturer + "#" + port.data());
-  }
-}
-
-bool IsProtocolDriver(const std::string& file) {
-  void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  return library && dlsym(library, "clpProbeDevice") != nullptr;
+LibraryInquiry& ProtocolInquiry() {
+  static auto* const inquiry = new LibraryInquiry(ProtocolDriverIn);
+  return *inquiry;
 }
 
 }  // namespace
@@ -113,20 +82,14 @@ std::list<std::string> FindProtocolDrivers() {
     folders.push_back(root);
     for (const char* platform : kPlatformFolders) folders.push_back(root + "/" + platform);
   }
-  std::list<std::string> drivers;
-  for (const std::string& file : LibrariesIn(folders, "")) {
-    if (IsProtocolDriver(file)) drivers.push_back(file);
-  }
-  return drivers;
+  return ProtocolInquiry().Ask(LibrariesIn(folders, ""), kPatience);
 }
 
 std::list<std::string> FindSerialPorts() {
   std::vector<std::string> folders = FoldersOf("CLSERIALPATH");
   for (std::string& folder : FoldersOf("LD_LIBRARY_PATH")) folders.push_back(std::move(folder));
   folders.insert(folders.end(), kSystemFolders.begin(), kSystemFolders.end());
-  std::list<std::string> ports;
-  for (const std::string& file : LibrariesIn(folders, "libclser")) AddPorts(file, ports);
-  return ports;
+  return SerialInquiry().Ask(LibrariesIn(folders, "libclser"), kPatience);
 }
 
 }  // namespace zyn::transport

@@ -154,6 +154,8 @@ TEST_F(NodeMapTest, TheFrameIdentifierChunkGoesBeforeTheStreamsIdentifier) {
   EXPECT_EQ(GrabOne(*camera)->FrameID(), 5);
 }
 
+// ---- Camera Link parameters -----------------------------------------------------------------------------
+
 TEST_F(NodeMapTest, CameraLinkParametersAreWrittenFromTheirText) {
   const CameraPtr camera = OpenOne(mock_);
   EXPECT_EQ(camera->SetCLCameraParam("CardGain", "17"), RESULT_OK);
@@ -161,6 +163,61 @@ TEST_F(NodeMapTest, CameraLinkParametersAreWrittenFromTheirText) {
   EXPECT_EQ(camera->SetCLCameraParam("NoSuchFeature", "17"), RESULT_NOT_AVAILABLE);
   EXPECT_NE(camera->SetCLCameraParam("CardGain", "loud"), RESULT_OK);
   EXPECT_EQ(mock_.Register(0x200), 17U);
+}
+
+TEST_F(NodeMapTest, CameraLinkParametersOfEveryKindAreWritten) {
+  const CameraPtr camera = OpenOne(mock_);
+  const struct {
+    const char* name;
+    const char* text;
+    std::uint64_t address;
+    std::uint32_t expected;
+  } cases[] = {{"CardGain", "0x20", 0x200, 32},  {"CardTaps", "10", 0x208, 10},
+               {"CardMirror", "true", 0x20C, 1}, {"CardMirror", "0", 0x20C, 0},
+               {"CardLink", "Full", 0x210, 2},   {"CardScale", "1.5", 0x214, 0x3FC00000},
+               {"CardReset", "1", 0x218, 1}};
+  for (const auto& [name, text, address, expected] : cases) {
+    mock_.SetRegister(address, 99);
+    EXPECT_EQ(camera->SetCLCameraParam(name, text), RESULT_OK) << name << " = " << text;
+    EXPECT_EQ(mock_.Register(address), expected) << name << " = " << text;
+  }
+}
+
+TEST_F(NodeMapTest, CameraLinkParametersThatTheCardRefusesChangeNothing) {
+  const CameraPtr camera = OpenOne(mock_);
+  const struct {
+    const char* name;
+    const char* text;
+    std::uint64_t address;
+  } cases[] = {{"CardGain", "", 0x200},     {"CardTemperature", "5", 0x204}, {"CardTaps", "0", 0x208},
+               {"CardTaps", "11", 0x208},   {"CardMirror", "maybe", 0x20C},  {"CardLink", "Medium", 0x210},
+               {"CardLink", "full", 0x210}, {"CardScale", "wide", 0x214}};
+  for (const auto& [name, text, address] : cases) {
+    mock_.SetRegister(address, 7);
+    EXPECT_LT(camera->SetCLCameraParam(name, text), RESULT_OK) << name << " = " << text;
+    EXPECT_EQ(mock_.Register(address), 7U) << name << " = " << text;
+  }
+  EXPECT_EQ(camera->SetCLCameraParam("CardTaps", "11"), RESULT_INVALID_ARGUMENT);
+  EXPECT_EQ(camera->SetCLCameraParam("CardTemperature", "5"), RESULT_INVALID_ARGUMENT);
+  EXPECT_EQ(camera->SetCLCameraParam("Root", "5"), RESULT_INVALID_ARGUMENT);
+}
+
+TEST_F(NodeMapTest, CameraLinkParametersNeedAnOpenCameraANameAndAValue) {
+  const CameraPtr camera = OpenOne(mock_);
+  EXPECT_EQ(camera->SetCLCameraParam(nullptr, "1"), RESULT_INVALID_ARGUMENT);
+  EXPECT_EQ(camera->SetCLCameraParam("CardGain", nullptr), RESULT_INVALID_ARGUMENT);
+  EXPECT_EQ(camera->SetCLCameraParam("", "1"), RESULT_NOT_AVAILABLE);
+  EXPECT_EQ(camera->SetCLCameraParam("Width", "1"), RESULT_NOT_AVAILABLE) << "a feature of the camera itself";
+  ASSERT_EQ(camera->Close(), RESULT_OK);
+  EXPECT_EQ(camera->SetCLCameraParam("CardGain", "1"), RESULT_NOT_OPEN);
+}
+
+TEST_F(NodeMapTest, ACardThatDoesNotAnswerRefusesItsParameters) {
+  const CameraPtr camera = OpenOne(mock_);
+  mock_.SetHook("GCWritePort", [](const std::string&) { return GenTL::GC_ERR_TIMEOUT; });
+  EXPECT_LT(camera->SetCLCameraParam("CardGain", "1"), RESULT_OK);
+  mock_.SetHook("GCWritePort", [](const std::string&) { return GenTL::GC_ERR_SUCCESS; });
+  EXPECT_EQ(camera->SetCLCameraParam("CardGain", "1"), RESULT_OK);
 }
 
 // ---- addresses ------------------------------------------------------------------------------------------

@@ -55,9 +55,21 @@ inline std::string RemoteXml() {
       "<Port Name=\"FrameIdPort\"><ChunkID>F1</ChunkID></Port>\n");
 }
 
+/// A card with one setting of each kind.
 inline std::string LocalXml() {
-  return Describe("<Category Name=\"Root\"><pFeature>CardGain</pFeature></Category>\n" +
-                  IntRegister("CardGain", 0x200, 4, "RW"));
+  return Describe(
+      "<Category Name=\"Root\"><pFeature>CardGain</pFeature></Category>\n" +
+      IntRegister("CardGain", 0x200, 4, "RW") + IntRegister("CardTemperature", 0x204, 4, "RO") +
+      "<Integer Name=\"CardTaps\"><pValue>CardTapsReg</pValue><Min>1</Min><Max>10</Max></Integer>\n" +
+      IntRegister("CardTapsReg", 0x208, 4, "RW") +
+      "<Boolean Name=\"CardMirror\"><pValue>CardMirrorReg</pValue></Boolean>\n" +
+      IntRegister("CardMirrorReg", 0x20C, 4, "RW") +
+      "<Enumeration Name=\"CardLink\"><EnumEntry Name=\"Base\"><Value>0</Value></EnumEntry>"
+      "<EnumEntry Name=\"Full\"><Value>2</Value></EnumEntry><pValue>CardLinkReg</pValue></Enumeration>\n" +
+      IntRegister("CardLinkReg", 0x210, 4, "RW") +
+      "<FloatReg Name=\"CardScale\"><Address>0x214</Address><Length>4</Length><AccessMode>RW</AccessMode>"
+      "<pPort>Device</pPort><Cachable>NoCache</Cachable><Endianess>LittleEndian</Endianess></FloatReg>\n" +
+      CommandAt("CardReset", 0x218));
 }
 
 inline std::string InterfaceXml() {
