@@ -1,6 +1,7 @@
 #include "Kernels.h"
 
-#include <unistd.h>
+#include <cstdio>
+#include <memory>
 
 #include "PointRecords.h"
 #include "PortableDecode.h"
@@ -37,6 +38,12 @@ using Vector = hn::Vec<Bytes>;
 HWY_INLINE std::size_t BlockPoints() {
   return hn::Lanes(Bytes());
 }
+
+// Measured with 256 KiB to 8 MiB of records: 2 KiB ahead gives 1.05 to 1.7 times the rate of none, as 1 KiB
+// and 4 KiB do within the noise. Beyond, where memory answers late, 16 KiB ahead gives 1.1 to 1.3 times.
+constexpr std::size_t kCachedAhead = 2048;
+constexpr std::size_t kStreamedAhead = 16384;
+constexpr std::size_t kLineBytes = 64;
 
 // Picks bytes within every 16; 0x80 picks 0.
 HWY_INLINE Vector Pick(Vector v, const std::uint8_t* order) {
@@ -151,10 +158,17 @@ struct Task {
                   storeHeights, storeIntensities);
   }
 
-  // Decodes the whole blocks from `point` on and returns the point behind them.
+  // Decodes the whole blocks from `point` on and returns the point behind them. `ahead` bytes of records are
+  // asked for in advance, which carries the processor's own prefetching over the borders of pages.
   template <class StoreHeights, class StoreIntensities>
-  HWY_INLINE std::size_t DecodeBlocks(std::size_t point, std::size_t points, StoreHeights storeHeights,
-                                      StoreIntensities storeIntensities) const {
+  HWY_INLINE std::size_t DecodeBlocks(std::size_t point, std::size_t points, std::size_t ahead,
+                                      StoreHeights storeHeights, StoreIntensities storeIntensities) const {
+    for (; point + BlockPoints() + ahead / kRecordBytes <= points; point += BlockPoints()) {
+      for (std::size_t i = 0; i < BlockPoints() * kRecordBytes; i += kLineBytes) {
+        hwy::Prefetch(records + point * kRecordBytes + ahead + i);
+      }
+      DecodeBlock(point, storeHeights, storeIntensities);
+    }
     for (; point + BlockPoints() <= points; point += BlockPoints()) {
       DecodeBlock(point, storeHeights, storeIntensities);
     }
@@ -165,12 +179,14 @@ struct Task {
   // by a block that overlaps what follows.
   std::size_t StreamBlocks(std::size_t points) const {
     const std::size_t misaligned = reinterpret_cast<std::uintptr_t>(heights) % BlockPoints();
-    if (misaligned % sizeof(*heights) != 0) return DecodeBlocks(0, points, ToCache(), ToCache());
+    if (misaligned % sizeof(*heights) != 0)
+      return DecodeBlocks(0, points, kCachedAhead, ToCache(), ToCache());
     DecodeBlock(0, ToCache(), ToCache());
     const std::size_t start = misaligned == 0 ? 0 : (BlockPoints() - misaligned) / sizeof(*heights);
     const bool areBothAligned = reinterpret_cast<std::uintptr_t>(intensities + start) % BlockPoints() == 0;
-    const std::size_t end = areBothAligned ? DecodeBlocks(start, points, ToMemory(), ToMemory())
-                                           : DecodeBlocks(start, points, ToMemory(), ToCache());
+    const std::size_t end = areBothAligned
+                                ? DecodeBlocks(start, points, kStreamedAhead, ToMemory(), ToMemory())
+                                : DecodeBlocks(start, points, kStreamedAhead, ToMemory(), ToCache());
     hwy::FlushStream();
     return end;
   }
@@ -183,7 +199,7 @@ void Decode(const std::uint8_t* records, std::size_t bytes, typename Format::Hei
   if (points < BlockPoints()) return Format::kPortable(records, bytes, heights, intensities);
   const Task<Format> task{records, heights, intensities};
   const std::size_t done =
-      kStreams ? task.StreamBlocks(points) : task.DecodeBlocks(0, points, ToCache(), ToCache());
+      kStreams ? task.StreamBlocks(points) : task.DecodeBlocks(0, points, kCachedAhead, ToCache(), ToCache());
   // The rest is one more block, which overlaps what is done and writes the same there.
   if (done != points) task.DecodeBlock(points - BlockPoints(), ToCache(), ToCache());
   if (bytes % kRecordBytes == 0) return;
@@ -217,15 +233,24 @@ KernelPair PairFor(std::int64_t targets) {
   return HWY_DISPATCH_TABLE(GetPair)[chosen.GetIndex()]();
 }
 
-// What is larger is better written past the caches: measured, streaming costs up to half of the speed while
-// everything fits into the last cache, and doubles it where it does not.
-std::size_t LargestCachedTask() {
-  std::size_t lastCache = 32U << 20;
-#ifdef _SC_LEVEL3_CACHE_SIZE
-  const long found = sysconf(_SC_LEVEL3_CACHE_SIZE);
-  if (found > 0) lastCache = static_cast<std::size_t>(found);
+// Bytes of the last cache that one processor can fill, or 0. Where the system is asked by sysconf, it may
+// answer with the sum over a whole machine (402 MiB for groups of 32 MiB).
+std::size_t ReportedLastCache() noexcept {
+#ifdef __linux__
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+      std::fopen("/sys/devices/system/cpu/cpu0/cache/index3/size", "re"), &std::fclose);
+  unsigned long kibibytes = 0;
+  if (file && std::fscanf(file.get(), "%luK", &kibibytes) == 1) return std::size_t{kibibytes} << 10U;
 #endif
-  return lastCache;
+  return 0;
+}
+
+// What is larger is better written past the caches. Measured with a last cache of 32 MiB: up to 18 MiB of
+// records and results streaming costs up to two thirds of the speed, from 21 MiB on it gains a third.
+std::size_t LargestCachedTask() noexcept {
+  constexpr std::size_t kUsual = 32U << 20U;
+  const std::size_t reported = ReportedLastCache();
+  return (reported > 0 ? reported : kUsual) / 8 * 5;
 }
 
 }  // namespace
