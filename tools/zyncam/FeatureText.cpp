@@ -5,8 +5,10 @@
 #include <GenApi/GenApi.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
+#include <limits>
 #include <thread>
 
 #include "Failure.h"
@@ -49,19 +51,38 @@ std::vector<std::string> AvailableEntries(const CEnumerationPtr& enumeration) {
   return names;
 }
 
-std::string IntegerRange(const CIntegerPtr& integer) {
-  std::string text = std::to_string(integer->GetMin()) + ".." + std::to_string(integer->GetMax());
-  if (integer->GetIncMode() == GenApi_3_4::fixedIncrement && integer->GetInc() > 1) {
-    text += " step " + std::to_string(integer->GetInc());
+// An end that says nothing, because the type ends there too, is left out: ">= 0", "any".
+template <class Number>
+std::string LimitsText(Number min, Number max, const std::string& minText, const std::string& maxText) {
+  using Type = std::numeric_limits<Number>;
+  const bool hasMin = min > Type::lowest();
+  const bool hasMax = max < Type::max();
+  if (hasMin && hasMax) return minText + ".." + maxText;
+  if (hasMin) return ">= " + minText;
+  return hasMax ? "<= " + maxText : "any";
+}
+
+std::string JoinWords(std::initializer_list<std::string> words) {
+  std::string text;
+  for (const std::string& word : words) {
+    if (!word.empty() && !text.empty()) text += ' ';
+    text += word;
   }
-  const std::string unit = integer->GetUnit().c_str();
-  return unit.empty() ? text : text + " " + unit;
+  return text;
+}
+
+std::string IntegerRange(const CIntegerPtr& integer) {
+  const std::int64_t min = integer->GetMin();
+  const std::int64_t max = integer->GetMax();
+  const bool hasStep = integer->GetIncMode() == GenApi_3_4::fixedIncrement && integer->GetInc() > 1;
+  return JoinWords({LimitsText(min, max, std::to_string(min), std::to_string(max)),
+                    hasStep ? "step " + std::to_string(integer->GetInc()) : "", integer->GetUnit().c_str()});
 }
 
 std::string FloatRange(const CFloatPtr& real) {
-  const std::string text = NumberText(real->GetMin()) + ".." + NumberText(real->GetMax());
-  const std::string unit = real->GetUnit().c_str();
-  return unit.empty() ? text : text + " " + unit;
+  const double min = real->GetMin();
+  const double max = real->GetMax();
+  return JoinWords({LimitsText(min, max, NumberText(min), NumberText(max)), real->GetUnit().c_str()});
 }
 
 FeatureValue ReadOrThrow(INode& node) {

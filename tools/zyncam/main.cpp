@@ -2,6 +2,7 @@
 #include <Base/GCException.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -238,8 +239,11 @@ int Run(int argc, char** argv) {
   AddProfile(app, line);
   AddScan(app, line);
   AddWatch(app, line);
-  if (argc > 1 && argv[1][0] != '-' && !HasVerb(app, argv[1])) {
-    Console::Note(std::string("zyncam: there is no verb \"") + argv[1] + "\"; 'zyncam --help' lists them");
+  // The flags before the verb take no values.
+  char** const end = argv + argc;
+  char** const verb = std::find_if(argv + 1, end, [](const char* word) { return word[0] != '-'; });
+  if (argc > 1 && verb != end && !HasVerb(app, *verb)) {
+    Console::Note(std::string("zyncam: there is no verb \"") + *verb + "\"; 'zyncam --help' lists them");
     return kExitUsage;
   }
   try {

@@ -70,6 +70,22 @@ TEST_F(ZyncamSimulate, ListsOneCameraOfEachModelWithoutAConfiguration) {
   EXPECT_NE(std::find(models.begin(), models.end(), "KEL-LP2000"), models.end()) << result.out;
 }
 
+TEST_F(ZyncamSimulate, NamesAVerbThatIsNotThereBehindAFlagToo) {
+  const Finished result = Run({"--simulate", "frobnicate"});
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_NE(result.err.find("there is no verb \"frobnicate\""), std::string::npos) << result.err;
+}
+
+TEST_F(ZyncamSimulate, ShowsTheLimitsThatSaySomething) {
+  Configure(kOne);
+  const std::string shown = Run({"--simulate", "features", "-c", "L1"}).out;
+  for (const char* line : {"Width  [integer RW]  2000  (64..2000 step 4 px)\n", "(any C)\n", "(>= 0 ns)\n",
+                           "AcquisitionLineRate  [float RW]  1000  (1..20000 Hz)\n"}) {
+    EXPECT_NE(shown.find(line), std::string::npos) << line << " in " << shown;
+  }
+  EXPECT_EQ(shown.find("e+308"), std::string::npos) << shown;
+}
+
 TEST_F(ZyncamSimulate, ListsTheCamerasOfTheConfiguration) {
   Configure(kOne);
   const json list = json::parse(Run({"list", "--simulate", "--json"}).out, nullptr, false);
