@@ -129,7 +129,10 @@ void CNodeMapFactory::AddInjectionData(CNodeMapFactory& injectionData) {
   // Copies of this factory keep the description without the injection.
   auto merged = std::make_shared<Impl::Shared>(*m_pImpl->shared);
   merged->description.reset();
-  merged->injected.push_back(injectionData.m_pImpl->shared->source.xml);
+  const Source& injected = injectionData.m_pImpl->shared->source;
+  merged->injected.push_back(injected.xml);
+  std::vector<std::string>& notes = merged->source.notes;
+  notes.insert(notes.end(), injected.notes.begin(), injected.notes.end());
   m_pImpl->shared = std::move(merged);
 }
 

@@ -22,6 +22,9 @@ constexpr int kMaxGroupDepth = 100;
 // An entry of a structure takes over what the structure says: a short text can ask for very many properties.
 constexpr std::size_t kMaxProperties = 2'000'000;
 
+// What the interface's version type holds.
+constexpr int kMaxVersion = 0xffff;
+
 constexpr std::size_t kElementCount = static_cast<std::size_t>(Element::intSwissKnife) + 1;
 
 bool IsRegisterKind(NodeKind kind) {
@@ -131,10 +134,13 @@ class Builder {
     const std::string text = Attribute(attribute);
     if (Trim(text).empty()) return absent;
     const auto value = ParseInteger(text);
-    if (!value || *value < 0 || *value > 0xffff)
+    if (!value || *value < 0)
       throw PROPERTY_EXCEPTION("Attribute %s of RegisterDescription at line %u is no version number: '%s'",
                                attribute, reader_.Line(), text.substr(0, 100).c_str());
-    return static_cast<int>(*value);
+    if (*value <= kMaxVersion) return static_cast<int>(*value);
+    description_->Tolerate("Attribute " + std::string(attribute) + " of RegisterDescription at line " +
+                           std::to_string(reader_.Line()) + " is beyond 16 bits; 65535 stands for it");
+    return kMaxVersion;
   }
 
   Version_t ReadVersion(const char* major, const char* minor, const char* subMinor, int absentMajor) {
@@ -224,10 +230,8 @@ class Builder {
         Begin(entries.emplace_back(), NodeKind::maskedIntReg);
         entries.back().name = RequiredName();
         while (reader_.NextChild()) ReadProperty(entries.back());
-      } else if (const auto known = FindElement(reader_.Name())) {
-        ReadKnown(structure, *known);
       } else {
-        reader_.Skip();
+        ReadProperty(structure);
       }
     }
     for (Draft& entry : entries) {
@@ -287,6 +291,7 @@ class Builder {
     Property property{element, reader_.Line(), {}, ReadAttribute(element), 0};
     // Kept apart: reading the text moves on.
     const std::string_view tag = reader_.FullName();
+    CheckAttribute(draft, tag, property);
     const TextRef offset =
         element == Element::pIndex ? InternText(Trim(reader_.Attribute("pOffset"))) : TextRef{};
     const auto offsetName = static_cast<std::int64_t>(lastName_);
@@ -338,6 +343,18 @@ class Builder {
     }
   }
 
+  // An Index or Offset is a number.
+  void CheckAttribute(const Draft& draft, std::string_view tag, const Property& property) const {
+    const bool isOffset = property.element == Element::pIndex;
+    if (!isOffset && property.element != Element::valueIndexed && property.element != Element::pValueIndexed)
+      return;
+    const std::string_view text = description_->Text(property.attribute);
+    if (text.empty() || ParseInteger(text)) return;
+    throw PROPERTY_EXCEPTION("Attribute %s of element %s of node '%s' at line %u is not an integer: '%s'",
+                             isOffset ? "Offset" : "Index", std::string(tag).c_str(), draft.name.c_str(),
+                             property.line, std::string(text.substr(0, 100)).c_str());
+  }
+
   // Returns false when an empty element leaves the default.
   bool ReadValue(const Draft& draft, std::string_view tag, Lexical lexical, std::string_view text,
                  Property& property) {
@@ -348,6 +365,8 @@ class Builder {
       case Lexical::inner:
         return true;
       case Lexical::text:
+        if (property.element == Element::validValueSet && !ParseIntegerList(text))
+          malformed("a list of integers");
         property.text = Append(text);
         return true;
       case Lexical::link:

@@ -1,5 +1,6 @@
 #include "description/NumberText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -51,9 +52,23 @@ std::optional<std::int64_t> ParseInteger(std::string_view text) {
     return static_cast<std::int64_t>(negative ? 0 - *bits : *bits);
   if (hex || text.empty() || text[0] < '0' || text[0] > '9') return std::nullopt;
   const std::optional<double> real = ParseDecimalReal(text);
-  if (!real || !(*real < 9223372036854775808.0)) return std::nullopt;
+  if (!real || !(*real < 9223372036854775808.0) || *real != std::floor(*real)) return std::nullopt;
   const auto whole = static_cast<std::int64_t>(*real);
   return negative ? -whole : whole;
+}
+
+std::optional<std::vector<std::int64_t>> ParseIntegerList(std::string_view text) {
+  std::vector<std::int64_t> values;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find(';'), text.size());
+    const std::string_view part = Trim(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (part.empty()) continue;
+    const auto value = ParseInteger(part);
+    if (!value) return std::nullopt;
+    values.push_back(*value);
+  }
+  return values;
 }
 
 std::optional<double> ParseReal(std::string_view text) {

@@ -181,14 +181,21 @@ bool DeclaresLatin1(std::string_view text) {
   return prolog.find("8859-1") != prolog.npos || prolog.find("1252") != prolog.npos;
 }
 
-// Everything up to the end tag of the root element, if there is one.
-std::string_view UpToRootEnd(std::string_view text) {
+// Position behind the last end tag of a root element; npos when there is none.
+std::size_t RootEnd(std::string_view text) {
   const std::size_t name = text.rfind("RegisterDescription"sv);
-  if (name == std::string_view::npos) return text;
+  if (name == std::string_view::npos) return name;
   const std::size_t open = text.rfind('<', name);
   const std::size_t close = text.find('>', name);
-  const bool isEndTag = open != std::string_view::npos && open + 1 < text.size() && text[open + 1] == '/';
-  return isEndTag && close != std::string_view::npos ? text.substr(0, close + 1) : text;
+  const bool isEndTag = open != std::string_view::npos && text[open + 1] == '/';
+  return isEndTag && close != std::string_view::npos ? close + 1 : std::string_view::npos;
+}
+
+// Everything up to the end tag of the root element, if there is one. Behind the zeros that pad a device's memory may
+// stand the end of an older description.
+std::string_view UpToRootEnd(std::string_view text) {
+  const std::size_t end = RootEnd(text.substr(0, text.find('\0')));
+  return text.substr(0, end == std::string_view::npos ? RootEnd(text) : end);
 }
 
 }  // namespace

@@ -160,13 +160,7 @@ EIncMode IntegerCore::GetIncMode() {
 
 int64_autovector_t IntegerCore::GetListOfValidValues(bool bounded) {
   const Call call(*this, "GetListOfValidValues");
-  std::vector<std::int64_t> values;
-  std::string_view rest = Text(Element::validValueSet);
-  while (!rest.empty()) {
-    const std::size_t end = std::min(rest.find(';'), rest.size());
-    if (const auto value = ParseInteger(rest.substr(0, end))) values.push_back(*value);
-    rest.remove_prefix(std::min(end + 1, rest.size()));
-  }
+  std::vector<std::int64_t> values = ParseIntegerList(Text(Element::validValueSet)).value();
   if (bounded && !values.empty()) {
     const std::int64_t min = IntegerMin();
     const std::int64_t max = IntegerMax();

@@ -43,11 +43,7 @@ std::int64_t RegisterAccess::IndexFactor(std::size_t indexProperty) {
   if (hasOffsetNode) return owner_.At(properties[indexProperty + 1].Target()).IntegerValue({});
   const std::string_view offset = owner_.Map().Facts().Text(properties[indexProperty].attribute);
   if (offset.empty()) return Length();
-  const auto number = ParseInteger(offset);
-  if (!number)
-    owner_.Throw<GENICAM_NAMESPACE::PropertyException>(
-        "PropertyException", "Offset at line %u is not an integer.", properties[indexProperty].line);
-  return *number;
+  return ParseInteger(offset).value();  // it was checked when the description was read
 }
 
 std::int64_t RegisterAccess::Address() {

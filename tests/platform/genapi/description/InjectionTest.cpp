@@ -68,6 +68,17 @@ TEST(Injection, PriorityDecidesWhichOfTwoNodesStays) {
   EXPECT_EQ(features[0]->GetNode()->GetName(), "E");
 }
 
+TEST(Injection, ACategoryOfLowerPriorityAddsNothing) {
+  CNodeMapRef map;
+  map._LoadXMLFromStringInject(
+      Description(kTarget).c_str(),
+      Injected("<Category Name=\"Root\" MergePriority=\"-1\"><pFeature>E</pFeature></Category>").c_str());
+  FeatureList_t features;
+  CCategoryPtr(map._GetNode("Root"))->GetFeatures(features);
+  ASSERT_EQ(features.size(), 1U);
+  EXPECT_EQ(features[0]->GetNode()->GetName(), "A");
+}
+
 TEST(Injection, TwoNodesOfOneNameWithoutPriorityAreAConflict) {
   const std::string error = ErrorOf("<Integer Name=\"A\"><Value>2</Value></Integer>");
   EXPECT_NE(error.find("Merge conflict with node A (Integer, line 3)"), std::string::npos) << error;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <zip.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
@@ -51,6 +52,27 @@ TEST(Loading, BrokenDescriptionsAreRefusedWithElementAndLine) {
        {"pMin", "line 3", "'Y'"}},
       {"no number", "<Integer Name=\"X\"><Value>abc</Value></Integer>", {"Value", "'X'", "line 3", "'abc'"}},
       {"empty number", "<Integer Name=\"X\"><Value/></Integer>", {"Value", "'X'", "line 3"}},
+      {"fraction of an integer",
+       "<Integer Name=\"X\"><Value>2.5</Value></Integer>",
+       {"Value", "'X'", "line 3", "an integer", "'2.5'"}},
+      {"fraction in an integer formula",
+       "<IntSwissKnife Name=\"X\"><Constant Name=\"C\">0.5</Constant><Formula>C</Formula></IntSwissKnife>",
+       {"Constant", "'X'", "line 3", "an integer", "'0.5'"}},
+      {"no index",
+       "<Integer Name=\"I\"><Value>0</Value></Integer>\n<Float Name=\"X\"><pIndex>I</pIndex>"
+       "<ValueIndexed Index=\"a\">1</ValueIndexed><ValueDefault>1</ValueDefault></Float>",
+       {"Attribute Index", "ValueIndexed", "'X'", "line 4", "an integer", "'a'"}},
+      {"no index of a node",
+       "<Integer Name=\"I\"><Value>0</Value></Integer>\n<Integer Name=\"X\"><pIndex>I</pIndex>"
+       "<pValueIndexed Index=\"0.5\">I</pValueIndexed><ValueDefault>1</ValueDefault></Integer>",
+       {"Attribute Index", "pValueIndexed", "'X'", "line 4", "an integer", "'0.5'"}},
+      {"no offset",
+       "<Register Name=\"X\"><Length>1</Length><pPort>Device</pPort>\n<pIndex Offset=\"4 bytes\">I</pIndex>"
+       "</Register><Integer Name=\"I\"><Value>0</Value></Integer>",
+       {"Attribute Offset", "pIndex", "'X'", "line 4", "an integer", "'4 bytes'"}},
+      {"no valid values",
+       "<Integer Name=\"X\"><Value>1</Value>\n<ValidValueSet>1;two;3</ValidValueSet></Integer>",
+       {"ValidValueSet", "'X'", "line 4", "integers", "'1;two;3'"}},
       {"no word",
        "<Integer Name=\"X\"><Value>1</Value><Visibility>All</Visibility></Integer>",
        {"Visibility", "'All'"}},
@@ -197,6 +219,54 @@ TEST(Loading, UsualSloppinessIsTolerated) {
   EXPECT_NE(camera.map._GetNode("1-odd name"), nullptr);
   EXPECT_EQ(camera.Access("R"), RO);
   EXPECT_EQ(camera.Float("K").GetValue(), 3);
+}
+
+// What an entry of a structure does not say itself, the structure says for it.
+TEST(Loading, EntriesTakeOverWhatTheirStructureSays) {
+  Camera camera(
+      "<StructReg Comment=\"s\"><ToolTip>of "
+      "all</ToolTip><Visibility>Guru</Visibility><pIsLocked>Lock</pIsLocked>"
+      "<Streamable>Yes</Streamable><Address>0x100</Address><pIndex pOffset=\"Eight\">One</pIndex>"
+      "<IntSwissKnife Name=\"Part\"><pVariable "
+      "Name=\"V\">One</pVariable><Formula>V*2</Formula></IntSwissKnife>"
+      "<Length>2</Length><AccessMode>RW</AccessMode><pPort>Device</pPort><Cachable>NoCache</Cachable>"
+      "<PollingTime>40</PollingTime><pInvalidator>One</pInvalidator><Endianess>BigEndian</Endianess>"
+      "<StructEntry Name=\"Plain\"><LSB>15</LSB><MSB>8</MSB></StructEntry>"
+      "<StructEntry Name=\"Own\"><ToolTip>its own</ToolTip><Visibility>Expert</Visibility>"
+      "<pIsLocked>Open</pIsLocked><AccessMode>RO</AccessMode><Cachable>WriteAround</Cachable>"
+      "<PollingTime>80</PollingTime><Streamable>No</Streamable><Bit>15</Bit><Sign>Signed</Sign></StructEntry>"
+      "</StructReg>"
+      "<Integer Name=\"One\"><Value>1</Value></Integer><Integer Name=\"Eight\"><Value>8</Value></Integer>"
+      "<Integer Name=\"Lock\"><Value>1</Value></Integer><Integer Name=\"Open\"><Value>0</Value></Integer>");
+  for (const char* const name : {"Plain", "Own"}) {
+    EXPECT_EQ(camera.As<IRegister>(name).GetAddress(), 0x10A) << name;
+    EXPECT_EQ(camera.As<IRegister>(name).GetLength(), 2) << name;
+  }
+  INode& plain = camera.Node("Plain");
+  INode& own = camera.Node("Own");
+  EXPECT_EQ(plain.GetToolTip(), "of all");
+  EXPECT_EQ(own.GetToolTip(), "its own");
+  EXPECT_EQ(plain.GetVisibility(), Guru);
+  EXPECT_EQ(own.GetVisibility(), Expert);
+  EXPECT_EQ(plain.GetAccessMode(), RO) << "locked";
+  EXPECT_EQ(own.GetAccessMode(), RO) << "by itself";
+  camera.Integer("Lock").SetValue(0);
+  EXPECT_EQ(plain.GetAccessMode(), RW);
+  EXPECT_EQ(plain.GetCachingMode(), NoCache);
+  EXPECT_EQ(own.GetCachingMode(), WriteAround);
+  EXPECT_EQ(plain.GetPollingTime(), 40);
+  EXPECT_EQ(own.GetPollingTime(), 80);
+  EXPECT_TRUE(plain.IsStreamable());
+  EXPECT_FALSE(own.IsStreamable());
+  camera.port.Set(0x10A, {0x12, 0x35});
+  EXPECT_EQ(camera.Integer("Plain").GetValue(), 0x35);
+  EXPECT_EQ(camera.Integer("Own").GetValue(), -1);
+  NodeList_t invalidating;
+  plain.GetChildren(invalidating, ctInvalidatingChildren);
+  EXPECT_NE(std::find(invalidating.begin(), invalidating.end(), &camera.Node("One")), invalidating.end());
+  EXPECT_EQ(camera.map._GetNode("StructReg"), nullptr);
+  EXPECT_NE(camera.map._GetNode("_Plain_Part"), nullptr);
+  EXPECT_NE(camera.map._GetNode("_Own_Part"), nullptr);
 }
 
 TEST(Loading, NamesMayBeQualified) {

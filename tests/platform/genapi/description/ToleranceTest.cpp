@@ -47,6 +47,10 @@ TEST(Tolerance, WhatWasToleratedCanBeAskedFor) {
        "<MaskedIntReg Name=\"X\"><Address>0</Address><Length>4</Length><pPort>Device</pPort>"
        "<LSB>7</LSB><MSB>0</MSB></MaskedIntReg>",
        "Elements LSB and MSB of node X (MaskedIntReg, line 3) are exchanged for its byte order"},
+      {"unknown element of a structure",
+       "<StructReg><Length>4</Length><pPort>Device</pPort><Extension><X/></Extension>\n<Colour/>"
+       "<StructEntry Name=\"X\"><Bit>0</Bit></StructEntry></StructReg>",
+       "Element 'Colour' at line 4 of node StructReg (MaskedIntReg, line 3) is unknown and was skipped"},
   };
   for (const NoteRow& row : rows) {
     const gcstring_vector notes = NotesOf(Description(row.nodes));
@@ -72,6 +76,49 @@ TEST(Tolerance, RepairedTextIsNotedToo) {
   EXPECT_EQ(notes[0], "What follows the root element was skipped");
   EXPECT_EQ(notes[1], "Bytes that are not UTF-8 were taken as Latin-1");
   EXPECT_EQ(NotesOf(Description("") + std::string(100, '\0')).size(), 0U) << "padding is usual";
+}
+
+// A device's memory may still hold the end of an older, longer description.
+TEST(Tolerance, WhatAnOlderDescriptionLeftBehindTheZerosIsSkipped) {
+  const std::string xml = Description("<Integer Name=\"X\"><Value>1</Value></Integer>");
+  const gcstring_vector notes =
+      NotesOf(xml + std::string(5, '\0') + "alue></Integer></RegisterDescription>\n");
+  ASSERT_EQ(notes.size(), 1U);
+  EXPECT_EQ(notes[0], "What follows the root element was skipped");
+}
+
+TEST(Tolerance, VersionsOfMoreThanSixteenBitsAreCut) {
+  const std::string xml = "<RegisterDescription MajorVersion=\"20261121\" SubMinorVersion=\"7\"/>";
+  CNodeMapRef map;
+  map._LoadXMLFromString(xml.c_str());
+  Version_t version = {0, 0, 0};
+  CDeviceInfoPtr(map._Ptr)->GetDeviceVersion(version);
+  EXPECT_EQ(version.Major, 65535);
+  EXPECT_EQ(version.SubMinor, 7);
+  const gcstring_vector notes = NotesOf(xml);
+  ASSERT_EQ(notes.size(), 1U);
+  EXPECT_EQ(notes[0],
+            "Attribute MajorVersion of RegisterDescription at line 1 is beyond 16 bits; 65535 stands for it");
+}
+
+TEST(Tolerance, WhatWasRepairedInAnInjectedDescriptionIsNotedToo) {
+  CNodeMapRef map;
+  map._LoadXMLFromStringInject(
+      Description("").c_str(),
+      "<RegisterDescription><Node Name=\"X\"><ToolTip>\xB5</ToolTip></Node></RegisterDescription>");
+  gcstring_vector notes;
+  dynamic_cast<ILoadNotes&>(*map._Ptr).GetLoadNotes(notes);
+  ASSERT_EQ(notes.size(), 1U);
+  EXPECT_EQ(notes[0], "Bytes that are not UTF-8 were taken as Latin-1");
+}
+
+TEST(Tolerance, WholeNumbersMayBeWrittenAsRealOnes) {
+  Camera camera(
+      "<Integer Name=\"I\"><Value>1e3</Value><Min>-2.0</Min></Integer>"
+      "<IntSwissKnife Name=\"K\"><Constant Name=\"C\">3.</Constant><Formula>C</Formula></IntSwissKnife>");
+  EXPECT_EQ(camera.Integer("I").GetValue(), 1000);
+  EXPECT_EQ(camera.Integer("I").GetMin(), -2);
+  EXPECT_EQ(camera.Integer("K").GetValue(), 3);
 }
 
 TEST(Tolerance, ManyNotesAreCounted) {

@@ -586,8 +586,8 @@ TEST(Hostile, AddressesBeyondSixtyFourBitsAreRefused) {
   Expect("far but inside", at("<pAddress>I</pAddress>"), TextOf("R"),
          {"RuntimeException: ", "outside the device"});
   Expect("negative", at("<Address>-1</Address>"), TextOf("R"), {"RuntimeException: ", "outside the device"});
-  Expect("offset that is no number", at("<pIndex Offset=\"x\">I</pIndex>"), TextOf("R"),
-         {"PropertyException: ", "Offset at line 3"});
+  Expect("offset that is no number", at("<pIndex Offset=\"x\">I</pIndex>"), Loaded,
+         {"PropertyException: ", "Attribute Offset", "'R'", "line 3"});
 }
 
 TEST(Hostile, LimitsAndIncrementsAtTheEdge) {
