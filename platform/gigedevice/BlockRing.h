@@ -29,15 +29,18 @@ struct Block {
   bool HasPacket(std::uint32_t packetId) const;
 };
 
-/// Thread-safe. Keeps kCapacity blocks; the memory of the oldest is used again.
+/// Thread-safe. Keeps kLeastBlocks blocks, and as many more as fit into kMostBytes: receivers ask several times within
+/// a tenth of a second, in which a fast camera sends many small blocks. The memory of the oldest is used again.
 class BlockRing {
  public:
-  static constexpr std::size_t kCapacity = 4;
+  static constexpr std::size_t kLeastBlocks = 4;
+  static constexpr std::size_t kMostBlocks = 256;
+  static constexpr std::size_t kMostBytes = std::size_t{16} << 20U;
 
   /// A block to fill: the oldest one, which is forgotten thereby, or a new one.
   std::unique_ptr<Block> TakeSpare() ZYN_EXCLUDES(mutex_);
 
-  /// Keeps a filled block. The result stays valid and unchanged until kCapacity more blocks were asked for: who
+  /// Keeps a filled block. The result stays valid and unchanged until kLeastBlocks more blocks were asked for: who
   /// fills blocks may read it.
   const Block& Keep(std::unique_ptr<Block> block) ZYN_EXCLUDES(mutex_);
 
@@ -56,8 +59,11 @@ class BlockRing {
   void Clear() ZYN_EXCLUDES(mutex_);
 
  private:
+  bool IsFull() const ZYN_REQUIRES(mutex_);
+
   Mutex mutex_;
   std::deque<std::unique_ptr<Block>> blocks_ ZYN_GUARDED_BY(mutex_);  // the newest is the last
+  std::size_t bytes_ ZYN_GUARDED_BY(mutex_) = 0;                      // of their memory
 };
 
 }  // namespace zyn::gigedevice

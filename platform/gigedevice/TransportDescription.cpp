@@ -50,6 +50,15 @@ void AddBoolean(pugi::xml_node parent, const char* name, const char* registerNam
   Leaf(node, "OffValue", "0");
 }
 
+void AddOffAndOn(pugi::xml_node parent, const char* name, const char* registerName) {
+  pugi::xml_node node = Named(parent, "Enumeration", name);
+  Leaf(node, "Visibility", "Expert");
+  Leaf(node, "pIsLocked", "TLParamsLocked");
+  Leaf(Named(node, "EnumEntry", "Off"), "Value", "0");
+  Leaf(Named(node, "EnumEntry", "On"), "Value", "1");
+  Leaf(node, "pValue", registerName);
+}
+
 }  // namespace
 
 std::string WithTransportFeatures(std::string_view description) {
@@ -60,17 +69,19 @@ std::string WithTransportFeatures(std::string_view description) {
   pugi::xml_node root = document.child("RegisterDescription");
   pugi::xml_node category = root.find_child_by_attribute("Category", "Name", "TransportLayerControl");
   if (!isRead || !category) return std::string(description);
-  for (const char* feature :
-       {"GevSCPSPacketSize", "GevSCPSDoNotFragment", "GevSCPSFireTestPacket", "GevSCPD"})
+  for (const char* feature : {"GevSCPSPacketSize", "GevSCPSDoNotFragment", "GevSCPSFireTestPacket", "GevSCPD",
+                              "GevGVSPExtendedIDMode"})
     Leaf(category, "pFeature", feature);
   AddInteger(root, "GevSCPSPacketSize", "GevSCPSPacketSizeReg", kSmallestPacket, kLargestPacket, 4);
   AddInteger(root, "GevSCPD", "GevSCPDReg", 0, 1'000'000'000, 1);
   AddBoolean(root, "GevSCPSDoNotFragment", "GevSCPSDoNotFragmentReg");
   AddBoolean(root, "GevSCPSFireTestPacket", "GevSCPSFireTestPacketReg");
+  AddOffAndOn(root, "GevGVSPExtendedIDMode", "GevGVSPExtendedIDModeReg");
   AddField(root, "GevSCPSFireTestPacketReg", "0xD04", 0, 0, "NoCache");
   AddField(root, "GevSCPSDoNotFragmentReg", "0xD04", 1, 1, "NoCache");
   AddField(root, "GevSCPSPacketSizeReg", "0xD04", 16, 31, "NoCache");
   AddField(root, "GevSCPDReg", "0xD08", 0, 31, "NoCache");
+  AddField(root, "GevGVSPExtendedIDModeReg", "0x960", 1, 1, "NoCache");
   std::ostringstream text;
   document.save(text, "", pugi::format_raw);
   return text.str();

@@ -12,8 +12,8 @@ namespace zyn::gigedevice {
 constexpr std::uint32_t kSmallestPacket = 576;
 constexpr std::uint32_t kLargestPacket = 16384;
 
-/// Adds GevSCPSPacketSize, GevSCPSDoNotFragment, GevSCPSFireTestPacket and GevSCPD, in the category
-/// TransportLayerControl. `description` as it is when it has no such category.
+/// Adds GevSCPSPacketSize, GevSCPSDoNotFragment, GevSCPSFireTestPacket, GevSCPD and GevGVSPExtendedIDMode, in the
+/// category TransportLayerControl. `description` as it is when it has no such category.
 std::string WithTransportFeatures(std::string_view description);
 
 }  // namespace zyn::gigedevice

@@ -66,19 +66,44 @@ TEST(GvspWire, PayloadTypesFollowTheFrame) {
             (Bytes{0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0, 1}));
 }
 
-TEST(BlockRing, KeepsTheLastBlocksAndUsesTheMemoryOfTheOldestAgain) {
+TEST(BlockRing, KeepsAsManyBlocksAsFitAndUsesTheMemoryOfTheOldestAgain) {
+  struct Case {
+    std::size_t blockBytes;
+    std::size_t kept;
+  };
+  const Case cases[] = {{0, BlockRing::kMostBlocks},
+                        {BlockRing::kMostBytes / 16, 16},
+                        {BlockRing::kMostBytes / 16 + 1, 15},
+                        {BlockRing::kMostBytes, BlockRing::kLeastBlocks}};
+  for (const Case& one : cases) {
+    BlockRing ring;
+    for (std::uint64_t id = 1; id <= one.kept + 2; ++id) {
+      auto block = ring.TakeSpare();
+      EXPECT_EQ(block->id, id <= one.kept ? 0 : id - one.kept);
+      block->id = id;
+      block->data.resize(one.blockBytes);
+      ring.Keep(std::move(block));
+    }
+    const auto isKept = [&](std::uint64_t id) { return ring.With(id, false, [](const Block&) {}); };
+    EXPECT_FALSE(isKept(2));
+    EXPECT_TRUE(isKept(3));
+    EXPECT_TRUE(isKept(one.kept + 2));
+    EXPECT_FALSE(ring.With(3, true, [](const Block&) {}));
+  }
+}
+
+TEST(BlockRing, BlocksThatGrowTakeThePlaceOfSeveral) {
   BlockRing ring;
-  for (std::uint64_t id = 1; id <= BlockRing::kCapacity + 2; ++id) {
+  for (std::uint64_t id = 1; id <= 10; ++id) {
     auto block = ring.TakeSpare();
-    EXPECT_EQ(block->id, id <= BlockRing::kCapacity ? 0 : id - BlockRing::kCapacity);
     block->id = id;
+    block->data.resize(id <= 8 ? BlockRing::kMostBytes / 8 : BlockRing::kMostBytes / 2);
     ring.Keep(std::move(block));
   }
   const auto isKept = [&](std::uint64_t id) { return ring.With(id, false, [](const Block&) {}); };
-  EXPECT_FALSE(isKept(2));
-  EXPECT_TRUE(isKept(3));
-  EXPECT_TRUE(isKept(BlockRing::kCapacity + 2));
-  EXPECT_FALSE(ring.With(3, true, [](const Block&) {}));
+  EXPECT_TRUE(isKept(10));
+  EXPECT_TRUE(isKept(8));
+  EXPECT_FALSE(isKept(6));
 }
 
 TEST(Block, TheEndOfADamagedFrameIsMissing) {
