@@ -37,9 +37,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace zyn::genapi;
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   try {
-    const std::string unpacked = IsZip(bytes) ? Unzip(bytes) : bytes;
-    if (unpacked.size() > kMaxDescriptionBytes) std::abort();
     std::vector<std::string> notes;
+    const std::string unpacked = IsZip(bytes) ? Unzip(bytes, notes) : bytes;
+    if (unpacked.size() > kMaxDescriptionBytes) std::abort();
     const std::string text = ToCleanUtf8(unpacked, notes);
     if (!IsUtf8(text) || text.size() > 2 * unpacked.size()) std::abort();
   } catch (const GENICAM_NAMESPACE::GenericException&) {

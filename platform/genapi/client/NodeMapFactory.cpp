@@ -29,17 +29,16 @@ struct Source {
   std::vector<std::string> notes;
 };
 
-Source XmlOf(std::string data) {
+Source XmlOf(EContentType_t type, std::string data) {
   Source source;
-  source.xml = zyn::genapi::ToCleanUtf8(zyn::genapi::IsZip(data) ? zyn::genapi::Unzip(data) : std::move(data),
+  const bool isZip = zyn::genapi::IsZip(data);
+  if (type == ContentType_ZippedXml && !isZip)
+    throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
+  if (type == ContentType_Xml && isZip)
+    source.notes.emplace_back("A zip archive stood where a text was expected");
+  source.xml = zyn::genapi::ToCleanUtf8(isZip ? zyn::genapi::Unzip(data, source.notes) : std::move(data),
                                         source.notes);
   return source;
-}
-
-Source XmlOf(EContentType_t type, std::string data) {
-  if (type == ContentType_ZippedXml && !zyn::genapi::IsZip(data))
-    throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
-  return XmlOf(std::move(data));
 }
 
 std::string CopyBytes(const void* data, size_t size) {
@@ -83,7 +82,7 @@ CNodeMapFactory::CNodeMapFactory(EContentType_t ContentType, const void* pData, 
     : m_pImpl(new Impl(XmlOf(ContentType, CopyBytes(pData, DataSize)))) {}
 
 CNodeMapFactory::CNodeMapFactory(const gcstring& XmlData, ECacheUsage_t, bool)
-    : m_pImpl(new Impl(XmlOf(Copy(XmlData)))) {}
+    : m_pImpl(new Impl(XmlOf(ContentType_Xml, Copy(XmlData)))) {}
 
 CNodeMapFactory::CNodeMapFactory(const CNodeMapFactory& rhs)
     : m_pImpl(rhs.m_pImpl ? new Impl(*rhs.m_pImpl) : nullptr) {}
@@ -171,7 +170,12 @@ INodeMap* CNodeMapFactory::CreateNodeMap(CLock& UserProvidedLock, const gcstring
 }
 
 INodeMap* CNodeMapFactory::CreateEmptyNodeMap() {
-  return new zyn::genapi::NodeMap(zyn::genapi::BuildDescription("<RegisterDescription/>"), "Device", nullptr);
+  constexpr const char* kEmpty =
+      "<RegisterDescription ModelName=\"\" VendorName=\"\" StandardNameSpace=\"None\" ProductGuid=\"\" "
+      "VersionGuid=\"\" SchemaMajorVersion=\"1\" SchemaMinorVersion=\"0\" SchemaSubMinorVersion=\"0\" "
+      "MajorVersion=\"0\" MinorVersion=\"0\" SubMinorVersion=\"0\" "
+      "xmlns=\"http://www.genicam.org/GenApi/Version_1_0\"/>";
+  return new zyn::genapi::NodeMap(zyn::genapi::BuildDescription(kEmpty), "Device", nullptr);
 }
 
 bool CNodeMapFactory::ClearCache() {

@@ -30,6 +30,12 @@ std::span<const NodeId> Adjacency::Of(NodeId node) const {
   return {targets_.data() + first_[node], first_[node + 1] - first_[node]};
 }
 
+std::string Brief(std::string_view text) {
+  constexpr std::size_t kMost = 200;
+  if (text.size() <= kMost) return std::string(text);
+  return std::string(text.substr(0, kMost)) + "...";
+}
+
 const Property* Description::Find(NodeId node, Element element) const {
   for (const Property& property : Properties(node))
     if (property.element == element) return &property;
@@ -40,17 +46,8 @@ NodeId Description::FindNode(std::string_view name) const {
   return names.FindNode(name, text);
 }
 
-void Description::Tolerate(std::string note) {
-  constexpr std::size_t kMaxNotes = 1000;
-  if (tolerated.size() < kMaxNotes) {
-    tolerated.push_back(std::move(note));
-  } else {
-    ++toleratedBeyond;
-  }
-}
-
 std::string Description::Label(NodeId node) const {
-  std::string label(Name(node));
+  std::string label = Brief(Name(node));
   label.append(" (").append(XmlName(nodes[node].kind)).append(", line ");
   return label.append(std::to_string(nodes[node].line)).append(")");
 }

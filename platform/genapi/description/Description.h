@@ -79,6 +79,9 @@ class Adjacency {
   std::vector<NodeId> targets_;
 };
 
+/// The text, or its beginning: names in messages may have any length.
+std::string Brief(std::string_view text);
+
 /// Immutable once linked; any number of node maps, on any threads, share it.
 class Description {
  public:
@@ -109,8 +112,16 @@ class Description {
   std::vector<NodeId> polled;
   std::vector<NodeId> ports;
 
-  /// Says that something is wrong and was read as what it must mean.
-  void Tolerate(std::string note);
+  /// Says that something is wrong and was read as what it must mean: write() gives the sentence.
+  template <class Write>
+  void Tolerate(const Write& write) {
+    constexpr std::size_t kMaxNotes = 1000;
+    if (tolerated.size() < kMaxNotes) {
+      tolerated.push_back(write());
+    } else {
+      ++toleratedBeyond;
+    }
+  }
   /// What was tolerated, in the order found; after many the rest is only counted.
   std::vector<std::string> tolerated;
   std::size_t toleratedBeyond = 0;

@@ -10,6 +10,7 @@
 #include "description/Injection.h"
 #include "description/Linker.h"
 #include "description/NumberText.h"
+#include "description/SchemaLayout.h"
 #include "description/SourceText.h"
 #include "description/XmlReader.h"
 
@@ -21,11 +22,10 @@ using namespace std::string_view_literals;
 constexpr int kMaxGroupDepth = 100;
 // An entry of a structure takes over what the structure says: a short text can ask for very many properties.
 constexpr std::size_t kMaxProperties = 2'000'000;
-
+// An inner node's name holds that of the node around it, so names can grow beyond the document too.
+constexpr std::size_t kMaxTextBytes = 2 * kMaxDescriptionBytes;
 // What the interface's version type holds.
 constexpr int kMaxVersion = 0xffff;
-
-constexpr std::size_t kElementCount = static_cast<std::size_t>(Element::intSwissKnife) + 1;
 
 bool IsRegisterKind(NodeKind kind) {
   return kind == NodeKind::intReg || kind == NodeKind::maskedIntReg || kind == NodeKind::floatReg ||
@@ -75,10 +75,16 @@ struct Draft {
   // The number of a link is that of the name, that of an inner node its place among inner.
   std::vector<Property> properties;
   std::bitset<kElementCount> has;
+  // For what is noted about the order.
+  const SchemaLayout* layout = nullptr;
+  std::bitset<kElementCount> empty;
+  std::uint8_t lastPlace = 0;
+  bool isOutOfOrder = false;
   // Only the first innerCount: the others wait, with the memory they have, for the next node.
   std::vector<Draft> inner;
   std::size_t innerCount = 0;
 
+  bool IsEmpty(Element element) const { return empty[static_cast<std::size_t>(element)]; }
   bool Has(Element element) const { return has[static_cast<std::size_t>(element)]; }
   const Property* Find(Element element) const {
     if (!Has(element)) return nullptr;
@@ -91,14 +97,23 @@ struct Draft {
     if (innerCount == inner.size()) inner.emplace_back();
     return inner[innerCount++];
   }
-  std::string Label() const { return name + " (" + XmlName(kind) + ", line " + std::to_string(line) + ")"; }
+  std::string Label() const {
+    return Brief(name) + " (" + XmlName(kind) + ", line " + std::to_string(line) + ")";
+  }
   void Clear() {
     properties.clear();
     has.reset();
+    empty.reset();
     innerCount = 0;
     ownName.clear();
+    lastPlace = 0;
+    isOutOfOrder = false;
   }
 };
+
+bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
 
 // Reads one document, each node as it comes by.
 class Builder {
@@ -108,14 +123,18 @@ class Builder {
   void ReadDevice() {
     Open();
     ReadFacts();
+    NoteFacts();
     ReadNodes(0);
+    NoteOddities();
   }
 
   void ReadInjected() {
     const auto first = static_cast<NodeId>(description_->nodes.size());
     priorities_.assign(first, 0);
+    judgesOrder_ = description_->facts.schemaVersion.Minor > 0;
     Open();
     ReadNodes(0);
+    NoteOddities();
     MergeInjected(*description_, first, priorities_);
   }
 
@@ -127,7 +146,83 @@ class Builder {
                               FullName().c_str(), reader_.Line());
   }
 
-  std::string FullName() const { return std::string(reader_.FullName()); }
+  template <class Write>
+  void Note(const Write& write) {
+    description_->Tolerate(write);
+  }
+
+  static std::string AtLine(std::uint32_t line) { return " at line " + std::to_string(line); }
+
+  // About the document as a whole.
+
+  void NoteFacts() {
+    std::string missing;
+    for (const char* const name : {"ModelName", "VendorName", "StandardNameSpace", "SchemaMajorVersion",
+                                   "SchemaMinorVersion", "SchemaSubMinorVersion", "MajorVersion",
+                                   "MinorVersion", "SubMinorVersion", "ProductGuid", "VersionGuid"}) {
+      bool isThere = false;
+      reader_.EachAttribute(
+          [&](std::string_view found, std::string_view) { isThere = isThere || found == name; });
+      if (!isThere) missing.append(missing.empty() ? "" : ", ").append(name);
+    }
+    if (!missing.empty())
+      Note([&] {
+        return "RegisterDescription" + AtLine(reader_.Line()) + " lacks the attributes " + missing;
+      });
+    if (!HasKnownNameSpace())
+      Note([&] {
+        return "RegisterDescription" + AtLine(reader_.Line()) +
+               " is in no known XML name space; its attributes say which schema it follows";
+      });
+    judgesOrder_ = description_->facts.schemaVersion.Minor > 0;
+  }
+
+  bool HasKnownNameSpace() {
+    const std::string_view full = reader_.FullName();
+    const std::size_t colon = full.find(':');
+    const std::string attribute =
+        colon == full.npos ? "xmlns" : "xmlns:" + std::string(full.substr(0, colon));
+    return IsOneOf(Trim(reader_.Attribute(attribute)), {"http://www.genicam.org/GenApi/Version_1_0",
+                                                        "http://www.genicam.org/GenApi/Version_1_1"});
+  }
+
+  void NoteOddities() {
+    const XmlReader::Oddities& seen = reader_.Seen();
+    if (seen.looseReference > 0)
+      Note([&] {
+        return "A & that begins no known reference stands for itself, first" + AtLine(seen.looseReference);
+      });
+    if (seen.strayText > 0)
+      Note([&] { return "Text between elements was skipped, first" + AtLine(seen.strayText); });
+    if (seen.strayElement > 0)
+      Note([&] { return "Elements inside a text were skipped, first" + AtLine(seen.strayElement); });
+    if (firstBlanks_ > 0)
+      Note([&] { return "White space around values and names was ignored, first" + AtLine(firstBlanks_); });
+  }
+
+  std::string_view Trimmed(std::string_view text) {
+    const std::string_view trimmed = Trim(text);
+    if (trimmed.size() != text.size() && firstBlanks_ == 0) firstBlanks_ = reader_.Line();
+    return trimmed;
+  }
+
+  // Those of other name spaces mean nothing here.
+  void NoteAttribute(std::string_view name) {
+    if (name.find(':') != name.npos || name == "xmlns") return;
+    Note([&] {
+      return "Attribute '" + Brief(name) + "' of element '" + FullName() + "'" + AtLine(reader_.Line()) +
+             " is unknown and was skipped";
+    });
+  }
+
+  void NoteAttributesBut(std::initializer_list<std::string_view> known) {
+    if (!reader_.HasAttributes()) return;
+    reader_.EachAttribute([&](std::string_view name, std::string_view) {
+      if (!IsOneOf(name, known)) NoteAttribute(name);
+    });
+  }
+
+  std::string FullName() const { return Brief(reader_.FullName()); }
   std::string Attribute(const char* name) { return std::string(reader_.Attribute(name)); }
 
   int ReadVersionPart(const char* attribute, int absent) {
@@ -138,8 +233,10 @@ class Builder {
       throw PROPERTY_EXCEPTION("Attribute %s of RegisterDescription at line %u is no version number: '%s'",
                                attribute, reader_.Line(), text.substr(0, 100).c_str());
     if (*value <= kMaxVersion) return static_cast<int>(*value);
-    description_->Tolerate("Attribute " + std::string(attribute) + " of RegisterDescription at line " +
-                           std::to_string(reader_.Line()) + " is beyond 16 bits; 65535 stands for it");
+    Note([&] {
+      return "Attribute " + std::string(attribute) + " of RegisterDescription" + AtLine(reader_.Line()) +
+             " is beyond 16 bits; 65535 stands for it";
+    });
     return kMaxVersion;
   }
 
@@ -170,6 +267,7 @@ class Builder {
     while (reader_.NextChild()) {
       const std::string_view name = reader_.Name();
       if (name == "Group") {
+        NoteAttributesBut({"Comment"});
         if (groupDepth == kMaxGroupDepth) reader_.FailTooDeep();
         ReadNodes(groupDepth + 1);
       } else if (name == "StructReg") {
@@ -186,9 +284,16 @@ class Builder {
     const auto kind = FindNodeKind(kindName);
     if (!kind) {
       const std::string name = Attribute("Name");
-      description_->Tolerate("Element '" + FullName() + "' (name '" + name + "') at line " +
-                             std::to_string(reader_.Line()) + ": no such kind of node is known");
+      Note([&] {
+        return "Element '" + FullName() + "' (name '" + Brief(name) + "')" + AtLine(reader_.Line()) +
+               ": no such kind of node is known";
+      });
       if (Trim(name).empty()) return reader_.Skip();
+    } else if (IsNeverImplemented(*kind)) {
+      Note([&] {
+        return "Element '" + FullName() + "' (name '" + Brief(Attribute("Name")) + "')" +
+               AtLine(reader_.Line()) + ": nodes of this kind are never implemented";
+      });
     }
     Begin(draft_, kind.value_or(NodeKind::unknown));
     draft_.name = RequiredName();
@@ -199,20 +304,29 @@ class Builder {
   void Begin(Draft& draft, NodeKind kind) {
     draft.Clear();
     draft.kind = kind;
+    draft.layout = &LayoutOf(kind);
     draft.line = reader_.Line();
-    draft.nameSpace =
-        reader_.Attribute("NameSpace") == "Standard" ? GENAPI_NAMESPACE::Standard : GENAPI_NAMESPACE::Custom;
-    draft.priority = ReadPriority();
+    draft.nameSpace = GENAPI_NAMESPACE::Custom;
+    draft.priority = 0;
+    reader_.EachAttribute([&](std::string_view name, std::string_view value) {
+      if (name == "Name") return;
+      if (name == "NameSpace") {
+        if (value == "Standard") draft.nameSpace = GENAPI_NAMESPACE::Standard;
+      } else if (name == "MergePriority") {
+        draft.priority = PriorityOf(Trim(value));
+      } else if (!IsNeverImplemented(kind) && name != "ExposeStatic" && name != "Comment") {
+        NoteAttribute(name);
+      }
+    });
   }
 
-  std::int8_t ReadPriority() {
-    const std::string_view text = Trim(reader_.Attribute("MergePriority"));
+  static std::int8_t PriorityOf(std::string_view text) {
     if (text.empty() || text == "0") return 0;
     return text.front() == '-' ? -1 : 1;
   }
 
   std::string_view RequiredName() {
-    const std::string_view name = Trim(reader_.Attribute("Name"));
+    const std::string_view name = Trimmed(reader_.Attribute("Name"));
     if (name.empty())
       throw RUNTIME_EXCEPTION("Element '%s' at line %u has no name", FullName().c_str(), reader_.Line());
     return name;
@@ -224,10 +338,12 @@ class Builder {
     Draft structure;
     Begin(structure, NodeKind::maskedIntReg);
     structure.name = "StructReg";
+    structure.layout = &StructLayout();
     std::deque<Draft> entries;
     while (reader_.NextChild()) {
       if (reader_.Name() == "StructEntry") {
         Begin(entries.emplace_back(), NodeKind::maskedIntReg);
+        entries.back().layout = &StructEntryLayout();
         entries.back().name = RequiredName();
         while (reader_.NextChild()) ReadProperty(entries.back());
       } else {
@@ -243,6 +359,7 @@ class Builder {
 
   void Inherit(const Draft& structure, Draft& entry) {
     const std::bitset<kElementCount> own = entry.has;
+    entry.empty |= structure.empty;
     for (const Property& property : structure.properties) {
       // The node of an offset belongs to its index.
       const Element element = property.element == Element::pOffset ? Element::pIndex : property.element;
@@ -257,7 +374,7 @@ class Builder {
   }
 
   void CheckCount(const Draft& draft) const {
-    if (description_->properties.size() + draft.properties.size() >= kMaxProperties)
+    if (description_->properties.size() + draft.properties.size() > kMaxProperties)
       throw RUNTIME_EXCEPTION("The description holds too many elements, at node %s", draft.Label().c_str());
   }
 
@@ -272,8 +389,26 @@ class Builder {
 
   void NoteUnknown(const Draft& draft) {
     if (reader_.Name() == "Extension" || IsNeverImplemented(draft.kind)) return;
-    description_->Tolerate("Element '" + FullName() + "' at line " + std::to_string(reader_.Line()) +
-                           " of node " + draft.Label() + " is unknown and was skipped");
+    Note([&] {
+      return "Element '" + FullName() + "'" + AtLine(reader_.Line()) + " of node " + draft.Label() +
+             " is unknown and was skipped";
+    });
+  }
+
+  // What the schema does not have there keeps its meaning, if it has one.
+  void JudgePlace(Draft& draft, Element element) {
+    const std::uint8_t place = draft.layout->PlaceOf(element);
+    if (place == 0)
+      return Note([&] {
+        return "Element " + std::string(XmlName(element)) + AtLine(reader_.Line()) + " of node " +
+               draft.Label() + " does not belong to this kind of node";
+      });
+    if (place < draft.lastPlace && judgesOrder_ && !std::exchange(draft.isOutOfOrder, true))
+      Note([&] {
+        return "Elements of node " + draft.Label() + " are not in the order of the schema, first " +
+               XmlName(element) + AtLine(reader_.Line());
+      });
+    draft.lastPlace = place;
   }
 
   static bool Belongs(NodeKind kind, Element element) {
@@ -284,6 +419,7 @@ class Builder {
   }
 
   void ReadKnown(Draft& draft, Element element) {
+    if (!IsNeverImplemented(draft.kind)) JudgePlace(draft, element);
     if (!Belongs(draft.kind, element)) return reader_.Skip();
     CheckCount(draft);
     const Lexical lexical = LexicalOf(element, draft.kind);
@@ -296,7 +432,8 @@ class Builder {
         element == Element::pIndex ? InternText(Trim(reader_.Attribute("pOffset"))) : TextRef{};
     const auto offsetName = static_cast<std::int64_t>(lastName_);
     const std::string_view text = reader_.ReadText();
-    if (!ReadValue(draft, tag, lexical, text, property)) return;
+    if (!ReadValue(draft, tag, lexical, text, property))
+      return draft.empty.set(static_cast<std::size_t>(element)), void();
     Put(draft, property);
     // The node that an index's attribute pOffset names follows the index as a property of its own.
     if (offset.size > 0) Put(draft, {Element::pOffset, property.line, offset, {}, offsetName}, true);
@@ -309,8 +446,10 @@ class Builder {
       return draft.has.set(static_cast<std::size_t>(property.element)), void();
     }
     *const_cast<Property*>(draft.Find(property.element)) = property;
-    description_->Tolerate("Element " + std::string(XmlName(property.element)) + " of node " + draft.Label() +
-                           " is repeated; the one at line " + std::to_string(property.line) + " holds");
+    Note([&] {
+      return "Element " + std::string(XmlName(property.element)) + " of node " + draft.Label() +
+             " is repeated; the one" + AtLine(property.line) + " holds";
+    });
   }
 
   void ReadInner(Draft& draft, Element element) {
@@ -332,13 +471,17 @@ class Builder {
       case Element::constant:
       case Element::expression:
       case Element::pVariable:
-        return InternText(Trim(reader_.Attribute("Name")));
+        NoteAttributesBut({"Name"});
+        return InternText(Trimmed(reader_.Attribute("Name")));
       case Element::valueIndexed:
       case Element::pValueIndexed:
-        return InternText(Trim(reader_.Attribute("Index")));
+        NoteAttributesBut({"Index"});
+        return InternText(Trimmed(reader_.Attribute("Index")));
       case Element::pIndex:
-        return InternText(Trim(reader_.Attribute("Offset")));
+        NoteAttributesBut({"Offset", "pOffset"});
+        return InternText(Trimmed(reader_.Attribute("Offset")));
       default:
+        NoteAttributesBut({});
         return {};
     }
   }
@@ -370,37 +513,51 @@ class Builder {
         property.text = Append(text);
         return true;
       case Lexical::link:
-        if (Trim(text).empty()) malformed("the name of a node");
+        if (Trimmed(text).empty()) malformed("the name of a node");
         property.text = InternText(Trim(text));
         property.number = lastName_;
         return true;
       case Lexical::word: {
-        if (Trim(text).empty()) return false;
-        const auto word = FindWord(property.element, Trim(text));
+        const std::string_view spelled = Trimmed(text);
+        if (spelled.empty()) return false;
+        const auto word = FindWord(property.element, spelled);
         if (!word) malformed("a known word");
         property.number = *word;
         return true;
       }
       case Lexical::integer: {
-        const auto value = ParseInteger(text);
+        const auto value = ParseInteger(Trimmed(text));
         if (!value) malformed("an integer");
+        NoteInteger(draft, property, text, *value);
         property.number = *value;
         return true;
       }
       case Lexical::real: {
-        const auto value = ParseReal(text);
+        const auto value = ParseReal(Trimmed(text));
         if (!value) malformed("a number");
         property.number = std::bit_cast<std::int64_t>(*value);
         return true;
       }
       case Lexical::truth: {
-        const std::string_view word = Trim(text);
+        const std::string_view word = Trimmed(text);
         property.number = word == "true" || word == "1";
         if (property.number == 0 && word != "false" && word != "0") malformed("true or false");
         return true;
       }
     }
     return true;
+  }
+
+  void NoteInteger(const Draft& draft, const Property& property, std::string_view text, std::int64_t value) {
+    const bool isWrapped = value < 0 && text.find('-') == text.npos;
+    const bool isHex = text.find_first_of("xX") != text.npos;
+    const bool isCut = !isHex && text.find_first_of(".eE") != text.npos;
+    if (!isWrapped && !isCut) return;
+    Note([&] {
+      return "Element " + std::string(XmlName(property.element)) + AtLine(property.line) + " of node " +
+             draft.Label() + ": '" + std::string(Trim(text).substr(0, 100)) + "' was taken as " +
+             std::to_string(value);
+    });
   }
 
   [[noreturn]] static void Malformed(const Draft& draft, std::string_view tag, std::uint32_t line,
@@ -412,7 +569,10 @@ class Builder {
   // Finished nodes
 
   NodeId Add(Draft& draft) {
+    CheckCount(draft);
     CheckMandatory(draft);
+    NoteMissing(draft);
+    NoteAlternatives(draft);
     Description& out = *description_;
     const auto id = static_cast<NodeId>(out.nodes.size());
     NodeRecord record{};
@@ -438,6 +598,9 @@ class Builder {
       const Element element = description_->properties[i].element;
       if (element != Element::enumEntry && element != Element::intSwissKnife) continue;
       Draft& inner = outer.inner[static_cast<std::size_t>(description_->properties[i].number)];
+      const std::size_t nameBytes = outer.name.size() + inner.ownName.size();
+      if (description_->text.size() + nameBytes > kMaxTextBytes)
+        throw RUNTIME_EXCEPTION("The names of inner nodes are too long, at node %s", inner.Label().c_str());
       inner.name = (element == Element::enumEntry ? "EnumEntry_" : "_") + outer.name + "_" + inner.ownName;
       const NodeId id = Add(inner);
       description_->properties[i].number = id;
@@ -480,6 +643,56 @@ class Builder {
     }
   }
 
+  // What the schema asks for and the node can do without.
+  void NoteMissing(const Draft& draft) {
+    switch (draft.kind) {
+      case NodeKind::integer:
+      case NodeKind::floating:
+        if (!draft.Has(Element::pIndex)) return;
+        NoteIfNone(draft, {Element::valueIndexed, Element::pValueIndexed}, "the default always holds");
+        return NoteIfNone(draft, {Element::valueDefault, Element::pValueDefault},
+                          "other indices have no value");
+      case NodeKind::command:
+        return NoteIfNone(draft, {Element::commandValue, Element::pCommandValue}, "1 is written");
+      case NodeKind::enumeration:
+        return NoteIfNone(draft, {Element::enumEntry, Element::pEnumEntry}, "it is never implemented");
+      case NodeKind::maskedIntReg:
+        if (!draft.Has(Element::bit) && draft.Has(Element::lsb) != draft.Has(Element::msb))
+          NoteIfNone(draft, {draft.Has(Element::lsb) ? Element::msb : Element::lsb}, "it has one bit");
+        [[fallthrough]];
+      case NodeKind::intReg:
+      case NodeKind::floatReg:
+        NoteIfNone(draft, {Element::endianess}, "it is little-endian");
+        [[fallthrough]];
+      case NodeKind::stringReg:
+      case NodeKind::reg:
+        NoteIfNone(draft, {Element::address, Element::pAddress, Element::pIndex, Element::intSwissKnife},
+                   "it is 0");
+        return NoteIfNone(draft, {Element::accessMode}, "it is read-only");
+      default:
+        return;
+    }
+  }
+
+  // An element that is there but empty stands for its default by the schema.
+  void NoteIfNone(const Draft& draft, std::initializer_list<Element> elements, const char* consequence) {
+    for (const Element element : elements)
+      if (draft.Has(element) || draft.IsEmpty(element)) return;
+    Note([&] {
+      return "Node " + draft.Label() + " has no element " + XmlName(*elements.begin()) + ": " + consequence;
+    });
+  }
+
+  void NoteAlternatives(const Draft& draft) {
+    for (const Alternative& pair : kAlternatives) {
+      if (!draft.Has(pair.loses) || !draft.Has(pair.holds)) continue;
+      Note([&] {
+        return "Node " + draft.Label() + " has both " + XmlName(pair.loses) + " and " + XmlName(pair.holds) +
+               "; " + XmlName(pair.holds) + " holds";
+      });
+    }
+  }
+
   // Little-endian registers count from the least significant bit, big-endian ones from the most significant.
   void NoteBitOrder(const Draft& draft) {
     const Property* const lsb = draft.Find(Element::lsb);
@@ -488,8 +701,9 @@ class Builder {
     if (!lsb || !msb) return;
     const bool isBig = order && order->number == GENAPI_NAMESPACE::BigEndian;
     if (isBig ? lsb->number >= msb->number : msb->number >= lsb->number) return;
-    description_->Tolerate("Elements LSB and MSB of node " + draft.Label() +
-                           " are exchanged for its byte order");
+    Note([&] {
+      return "Elements LSB and MSB of node " + draft.Label() + " are exchanged for its byte order";
+    });
   }
 
   static void RequireOneOf(const Draft& draft, std::initializer_list<Element> elements) {
@@ -519,6 +733,10 @@ class Builder {
   Description* const description_;
   Draft draft_;
   NameId lastName_ = 0;
+  // Line of the first value or name with white space around it; 0 when there was none.
+  std::uint32_t firstBlanks_ = 0;
+  // The order of schema 1.0 differs and is not judged.
+  bool judgesOrder_ = false;
   // By node; of the nodes of earlier documents nothing is known.
   std::vector<std::int8_t> priorities_;
 };

@@ -2,6 +2,7 @@
 #ifndef ZYN_GENAPI_DESCRIPTION_ELEMENT_H
 #define ZYN_GENAPI_DESCRIPTION_ELEMENT_H
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -119,6 +120,8 @@ enum class Element : std::uint8_t {
   enumEntry,
   intSwissKnife,
 };
+
+constexpr std::size_t kElementCount = static_cast<std::size_t>(Element::intSwissKnife) + 1;
 
 /// How the text of an element reads.
 enum class Lexical : std::uint8_t {

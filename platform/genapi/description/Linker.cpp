@@ -56,9 +56,10 @@ class Linker {
                               XmlName(link.element), link.line, out_.Label(id).c_str(),
                               std::string(out_.Text(link.text)).c_str());
     if (target == kNoNode)
-      out_.Tolerate("Element " + std::string(XmlName(link.element)) + " at line " +
-                    std::to_string(link.line) + " of node " + out_.Label(id) + ": there is no node '" +
-                    std::string(out_.Text(link.text)) + "'");
+      out_.Tolerate([&] {
+        return "Element " + std::string(XmlName(link.element)) + " at line " + std::to_string(link.line) +
+               " of node " + out_.Label(id) + ": there is no node '" + Brief(out_.Text(link.text)) + "'";
+      });
     if (link.element == Element::pEnumEntry) return AdoptEntry(id, target, link);
     if (link.element == Element::pPort && out_.nodes[target].kind != NodeKind::port)
       throw RUNTIME_EXCEPTION("Element pPort at line %u of node %s: %s is no Port", link.line,
@@ -70,6 +71,11 @@ class Linker {
     if (out_.nodes[entry].kind != NodeKind::enumEntry)
       throw RUNTIME_EXCEPTION("Element pEnumEntry at line %u of node %s: %s is no EnumEntry", link.line,
                               out_.Label(enumeration).c_str(), out_.Label(entry).c_str());
+    if (out_.facts.schemaVersion.Minor > 0)
+      out_.Tolerate([&] {
+        return "Element pEnumEntry at line " + std::to_string(link.line) + " of node " +
+               out_.Label(enumeration) + " belongs to schema 1.0";
+      });
     link.element = Element::enumEntry;
     link.attribute = out_.nodes[entry].name;
     out_.nodes[entry].owner = enumeration;

@@ -48,8 +48,11 @@ std::optional<std::int64_t> ParseInteger(std::string_view text) {
   if (!text.empty() && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
   std::string_view digits = text;
   const bool hex = TakeHexPrefix(digits);
-  if (const auto bits = ParseDigits(digits, hex ? 16 : 10))
-    return static_cast<std::int64_t>(negative ? 0 - *bits : *bits);
+  if (const auto bits = ParseDigits(digits, hex ? 16 : 10)) {
+    if (!negative) return static_cast<std::int64_t>(*bits);
+    constexpr std::uint64_t kMostNegative = std::uint64_t{1} << 63;
+    return *bits > kMostNegative ? std::nullopt : std::optional(static_cast<std::int64_t>(0 - *bits));
+  }
   if (hex || text.empty() || text[0] < '0' || text[0] > '9') return std::nullopt;
   const std::optional<double> real = ParseDecimalReal(text);
   if (!real || !(*real < 9223372036854775808.0) || *real != std::floor(*real)) return std::nullopt;

@@ -49,7 +49,7 @@ bool EndsWithXml(std::string_view name) {
   return end == ".xml";
 }
 
-zip_uint64_t ChooseEntry(zip_t* archive) {
+zip_uint64_t ChooseEntry(zip_t* archive, std::vector<std::string>& notes) {
   const auto count = static_cast<zip_uint64_t>(std::max<zip_int64_t>(zip_get_num_entries(archive, 0), 0));
   zip_uint64_t firstFile = count;
   for (zip_uint64_t i = 0; i < count; ++i) {
@@ -59,11 +59,13 @@ zip_uint64_t ChooseEntry(zip_t* archive) {
     if (firstFile == count && !text.empty() && text.back() != '/') firstFile = i;
   }
   if (firstFile == count) throw RUNTIME_EXCEPTION("The zipped description holds no file");
+  notes.emplace_back("The zip archive holds no file ending in .xml; the first file was taken");
   return firstFile;
 }
 
-// Devices write archives into memory of fixed size: what follows the end record is padding.
-std::string WithoutPadding(const std::string& data) {
+// Devices write archives into memory of fixed size: what follows the end record is padding, usually zeros or erased
+// flash memory.
+std::string WithoutPadding(const std::string& data, std::vector<std::string>& notes) {
   constexpr std::string_view kEndRecord = "PK\x05\x06";
   constexpr std::size_t kEndRecordBytes = 22;
   const std::size_t at = data.rfind(kEndRecord);
@@ -71,6 +73,8 @@ std::string WithoutPadding(const std::string& data) {
   const auto low = static_cast<unsigned char>(data[at + 20]);
   const auto high = static_cast<unsigned char>(data[at + 21]);
   const std::size_t end = at + kEndRecordBytes + low + std::size_t{256} * high;
+  if (end < data.size() && data.find_first_not_of("\0\xFF"sv, end) != data.npos)
+    notes.emplace_back("What follows the zip archive was skipped");
   return data.substr(0, std::min(end, data.size()));
 }
 
@@ -132,13 +136,14 @@ Units UnitsOf(std::string_view data) {
 }
 
 // A surrogate without its partner becomes the replacement character.
-std::string FromUtf16(std::string_view data, bool bigEndian) {
+std::string FromUtf16(std::string_view data, bool bigEndian, std::vector<std::string>& notes) {
   constexpr std::uint32_t kReplacement = 0xFFFD;
   const auto unit = [&](std::size_t at) {
     const auto first = static_cast<unsigned char>(data[at]);
     const auto second = static_cast<unsigned char>(data[at + 1]);
     return static_cast<std::uint32_t>(bigEndian ? first << 8 | second : second << 8 | first);
   };
+  bool isDamaged = data.size() % 2 != 0;
   std::string out;
   out.reserve(data.size() / 2);
   for (std::size_t at = 0; at + 1 < data.size(); at += 2) {
@@ -151,9 +156,11 @@ std::string FromUtf16(std::string_view data, bool bigEndian) {
       at += 2;
     } else if (code >= 0xD800 && code < 0xE000) {
       code = kReplacement;
+      isDamaged = true;
     }
     AppendUtf8(out, code);
   }
+  if (isDamaged) notes.emplace_back("Units that are not UTF-16 were replaced");
   return out;
 }
 
@@ -175,10 +182,28 @@ std::string RepairUtf8(std::string_view text, bool isLatin1) {
   return out;
 }
 
-bool DeclaresLatin1(std::string_view text) {
+// What the XML declaration says, in capitals; "UTF-8" when it says nothing.
+std::string DeclaredEncoding(std::string_view text) {
   const std::string_view prolog = text.substr(0, std::min<std::size_t>(text.find("?>"), 200));
-  if (prolog.substr(0, 5) != "<?xml") return false;
-  return prolog.find("8859-1") != prolog.npos || prolog.find("1252") != prolog.npos;
+  constexpr std::string_view kAttribute = "encoding";
+  const std::size_t attribute = prolog.substr(0, 5) == "<?xml" ? prolog.find(kAttribute) : prolog.npos;
+  if (attribute == prolog.npos) return "UTF-8";
+  const std::size_t open = prolog.find_first_of("\"'", attribute);
+  const std::size_t close = open == prolog.npos ? open : prolog.find(prolog[open], open + 1);
+  if (close == prolog.npos) return "UTF-8";
+  std::string name(prolog.substr(open + 1, close - open - 1));
+  std::transform(name.begin(), name.end(), name.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return name;
+}
+
+bool IsLatin1(std::string_view encoding) {
+  return encoding.find("8859-1") != encoding.npos || encoding.find("1252") != encoding.npos ||
+         encoding == "LATIN1";
+}
+
+bool IsUtf8Name(std::string_view encoding) {
+  return encoding == "UTF-8" || encoding == "UTF8" || encoding == "US-ASCII" || encoding == "ASCII";
 }
 
 // Position behind the last end tag of a root element; npos when there is none.
@@ -217,11 +242,11 @@ bool IsZip(const std::string& data) {
   return data.compare(0, 4, "PK\x03\x04") == 0;
 }
 
-std::string Unzip(const std::string& data) {
+std::string Unzip(const std::string& data, std::vector<std::string>& notes) {
   if (!IsZip(data)) throw RUNTIME_EXCEPTION("The zipped description does not begin like a zip archive");
-  const std::string packed = WithoutPadding(data);
+  const std::string packed = WithoutPadding(data, notes);
   const Archive archive = OpenArchive(packed);
-  const EntryFile file(zip_fopen_index(archive.get(), ChooseEntry(archive.get()), 0));
+  const EntryFile file(zip_fopen_index(archive.get(), ChooseEntry(archive.get(), notes), 0));
   if (!file)
     throw RUNTIME_EXCEPTION("The zipped description cannot be read: %s", zip_strerror(archive.get()));
   std::string text;
@@ -240,17 +265,22 @@ std::string Unzip(const std::string& data) {
 
 std::string ToCleanUtf8(std::string data, std::vector<std::string>& notes) {
   const Units units = UnitsOf(data);
-  if (units != Units::bytes) data = FromUtf16(data, units == Units::utf16Big);
+  if (units != Units::bytes) data = FromUtf16(data, units == Units::utf16Big, notes);
   std::string_view text = data;
   if (text.substr(0, 3) == "\xEF\xBB\xBF") text.remove_prefix(3);
   const std::size_t start = text.find_first_not_of(" \t\r\n");
   text.remove_prefix(std::min(start, text.size()));
+  if (start > 0 && text.substr(0, 5) == "<?xml")
+    notes.emplace_back("White space in front of the XML declaration was skipped");
   const std::string_view whole = text;
   text = UpToRootEnd(text);
   if (whole.substr(text.size()).find_first_not_of(" \t\r\n\0"sv) != whole.npos)
     notes.emplace_back("What follows the root element was skipped");
   while (!text.empty() && text.back() == '\0') text.remove_suffix(1);
-  const bool isLatin1 = units == Units::bytes && DeclaresLatin1(text);
+  const std::string encoding = DeclaredEncoding(text);
+  const bool isLatin1 = units == Units::bytes && IsLatin1(encoding);
+  if (units == Units::bytes && !isLatin1 && !IsUtf8Name(encoding))
+    notes.push_back("The text is not in the encoding '" + encoding.substr(0, 100) + "' that it declares");
   if (!isLatin1 && IsUtf8(text)) {
     const auto skipped = static_cast<std::size_t>(text.data() - data.data());
     data.resize(skipped + text.size());

@@ -17,8 +17,8 @@ std::string ReadFile(const std::string& path);
 bool IsZip(const std::string& data);
 
 /// The first entry ending in .xml, else the first file. Throws RuntimeException for broken archives, and for
-/// entries that unpack to more than kMaxDescriptionBytes.
-std::string Unzip(const std::string& data);
+/// entries that unpack to more than kMaxDescriptionBytes. What had to be guessed is appended to `notes`.
+std::string Unzip(const std::string& data, std::vector<std::string>& notes);
 
 /// As UTF-8, without byte-order mark, leading white space, and whatever follows the root element. UTF-16 in
 /// either byte order is recognised by its mark or its first characters; bytes that are not UTF-8 are taken as

@@ -134,10 +134,20 @@ bool XmlReader::LeaveEmpty() {
 }
 
 bool XmlReader::NextChild() {
+  return Advance(false);
+}
+
+void XmlReader::CheckBetween(std::size_t markup, bool isSkipping) {
+  if (isSkipping || IsBlank(xml_.substr(at_, markup - at_))) return;
+  if (!hadRoot_) Fail("text before the root element", at_);
+  if (seen_.strayText == 0) seen_.strayText = LineAt(at_);
+}
+
+bool XmlReader::Advance(bool isSkipping) {
   if (LeaveEmpty() || (open_.empty() && hadRoot_)) return false;
   while (true) {
     const std::size_t markup = FindMarkup(at_);
-    if (!hadRoot_ && !IsBlank(xml_.substr(at_, markup - at_))) Fail("text before the root element", at_);
+    CheckBetween(markup, isSkipping);
     const char next = Peek(markup + 1);
     if (Is(next, kNameStart)) return Open(markup), true;
     if (next == '/') return Close(markup), false;
@@ -177,18 +187,20 @@ std::size_t XmlReader::ScanAttribute(std::size_t at) {
 }
 
 // Open() has checked the spelling.
+std::size_t XmlReader::NextAttribute(std::size_t at, AttributeText& found) const {
+  at = SkipBlanks(at);
+  if (at >= FirstAttribute() + attributes_.size()) return std::string_view::npos;
+  found.name = NameAt(at);
+  const std::size_t quote = SkipBlanks(SkipBlanks(at + found.name.size()) + 1);
+  const std::size_t close = xml_.find(xml_[quote], quote + 1);
+  found.value = xml_.substr(quote + 1, close - quote - 1);
+  return close + 1;
+}
+
 std::string_view XmlReader::Attribute(std::string_view name) {
-  std::size_t at = static_cast<std::size_t>(attributes_.data() - xml_.data());
-  const std::size_t end = at + attributes_.size();
-  while (at < end) {
-    at = SkipBlanks(at);
-    const std::string_view found = NameAt(at);
-    const std::size_t quote = SkipBlanks(SkipBlanks(at + found.size()) + 1);
-    const std::size_t close = xml_.find(xml_[quote], quote + 1);
-    if (found == name)
-      return Decoded(xml_.substr(quote + 1, close - quote - 1), Context::attribute, attribute_);
-    at = close + 1;
-  }
+  AttributeText found;
+  for (std::size_t at = FirstAttribute(); (at = NextAttribute(at, found)) != std::string_view::npos;)
+    if (found.name == name) return Decoded(found.value, Context::attribute, attribute_);
   return {};
 }
 
@@ -233,7 +245,7 @@ std::size_t XmlReader::SkipDocumentType(std::size_t at) {
 
 void XmlReader::Skip() {
   const std::size_t depth = open_.size();
-  while (open_.size() >= depth) NextChild();
+  while (open_.size() >= depth) Advance(true);
 }
 
 // Text
@@ -256,6 +268,7 @@ std::string_view XmlReader::ReadMixedText(std::size_t markup) {
     if (next == '/') break;
     if (Is(next, kNameStart)) {
       Open(markup);
+      if (seen_.strayElement == 0) seen_.strayElement = line_;
       Skip();
     } else {
       at_ = SkipMisc(markup);
@@ -269,7 +282,7 @@ std::string_view XmlReader::ReadMixedText(std::size_t markup) {
   return text_;
 }
 
-void XmlReader::Append(std::string_view raw, std::string& out) const {
+void XmlReader::Append(std::string_view raw, std::string& out) {
   std::string decoded;
   if (!IsBlank(raw)) out += Decoded(raw, Context::text, decoded);
 }
@@ -285,7 +298,7 @@ std::size_t XmlReader::FindSpecial(std::string_view raw, std::size_t at, Context
 }
 
 // Line ends become newlines, in attributes spaces.
-std::string_view XmlReader::Decoded(std::string_view raw, Context context, std::string& out) const {
+std::string_view XmlReader::Decoded(std::string_view raw, Context context, std::string& out) {
   std::size_t at = FindSpecial(raw, 0, context);
   if (at == raw.size()) return raw;
   out.assign(raw.substr(0, at));
@@ -325,6 +338,7 @@ std::size_t XmlReader::DecodeReference(std::string_view raw, std::size_t at, std
       return at + static_cast<std::size_t>(end + 1 - rest.data());
     }
   }
+  if (seen_.looseReference == 0) seen_.looseReference = line_;
   out += '&';
   return at + 1;
 }

@@ -16,6 +16,13 @@ namespace zyn::genapi {
 /// Entities that XML does not define stay as they are written. What follows the root element is not looked at.
 class XmlReader {
  public:
+  /// Lines where something was first seen that means nothing and was put up with; 0 when it was not.
+  struct Oddities {
+    unsigned looseReference = 0;  ///< a & that begins no known reference
+    unsigned strayText = 0;       ///< text between elements
+    unsigned strayElement = 0;    ///< an element inside a text
+  };
+
   /// The text must outlive the reader.
   explicit XmlReader(std::string_view xml);
 
@@ -36,6 +43,17 @@ class XmlReader {
   /// Empty when there is none. Holds until the next call.
   std::string_view Attribute(std::string_view name);
   unsigned Line() const { return line_; }
+  bool HasAttributes() const { return !attributes_.empty(); }
+  /// visit(name, value) for each attribute, the value as it is written.
+  template <class Visit>
+  void EachAttribute(const Visit& visit) const {
+    AttributeText found;
+    for (std::size_t at = FirstAttribute(); (at = NextAttribute(at, found)) != std::string_view::npos;)
+      visit(found.name, found.value);
+  }
+
+  /// So far.
+  const Oddities& Seen() const { return seen_; }
 
   [[noreturn]] void FailTooDeep() const;
 
@@ -53,6 +71,14 @@ class XmlReader {
   /// Position behind `end`.
   std::size_t Behind(std::string_view end, std::size_t from, const char* what);
 
+  struct AttributeText {
+    std::string_view name, value;
+  };
+  std::size_t FirstAttribute() const { return static_cast<std::size_t>(attributes_.data() - xml_.data()); }
+  /// The attribute at or after `at`; position behind it, npos when there is none.
+  std::size_t NextAttribute(std::size_t at, AttributeText& found) const;
+
+  bool Advance(bool isSkipping);
   std::size_t FindMarkup(std::size_t from);
   void Open(std::size_t at);
   std::size_t ScanAttribute(std::size_t at);
@@ -63,10 +89,11 @@ class XmlReader {
   bool LeaveEmpty();
 
   std::string_view ReadMixedText(std::size_t markup);
-  void Append(std::string_view raw, std::string& out) const;
-  std::string_view Decoded(std::string_view raw, Context context, std::string& out) const;
+  void Append(std::string_view raw, std::string& out);
+  std::string_view Decoded(std::string_view raw, Context context, std::string& out);
   std::size_t FindSpecial(std::string_view raw, std::size_t at, Context context) const;
-  static std::size_t DecodeReference(std::string_view raw, std::size_t at, std::string& out);
+  std::size_t DecodeReference(std::string_view raw, std::size_t at, std::string& out);
+  void CheckBetween(std::size_t markup, bool isSkipping);
 
   const std::string_view xml_;
   const bool hasReturns_;
@@ -79,6 +106,7 @@ class XmlReader {
   unsigned line_ = 1;            // of the element opened last
   std::size_t lineKnownAt_ = 0;  // position up to which newlines are counted, and the line there
   unsigned lineAtKnown_ = 1;
+  Oddities seen_;
   std::string text_;
   std::string attribute_;
 };

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../MemoryPort.h"
+#include "GenApi/ILoadNotes.h"
 
 namespace {
 
@@ -352,6 +353,35 @@ TEST(ZippedLoading, RecognisesArchivesByTheirContent) {
   std::remove(path.c_str());
   CNodeMapRef missing;
   EXPECT_THROW(missing._LoadXMLFromFile(path.c_str()), RuntimeException);
+}
+
+TEST(ZippedLoading, WhatWasToleratedInAnArchiveCanBeAskedFor) {
+  const std::string good = Zip({{"x.xml", Description("")}});
+  const struct {
+    const char* name;
+    EContentType_t type;
+    std::string bytes;
+    const char* note;
+  } rows[] = {
+      {"nothing", ContentType_ZippedXml, good, nullptr},
+      {"zeros behind", ContentType_ZippedXml, good + std::string(100, '\0'), nullptr},
+      {"erased memory behind", ContentType_ZippedXml, good + std::string(100, '\xFF'), nullptr},
+      {"rubbish behind", ContentType_ZippedXml, good + "rubbish", "What follows the zip archive was skipped"},
+      {"another name", ContentType_ZippedXml, Zip({{"x.txt", Description("")}}),
+       "The zip archive holds no file ending in .xml; the first file was taken"},
+      {"a wrong type", ContentType_Xml, good, "A zip archive stood where a text was expected"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    CNodeMapFactory factory(row.type, row.bytes.data(), row.bytes.size());
+    CNodeMapRef map(factory.CreateNodeMap());
+    gcstring_vector notes;
+    dynamic_cast<ILoadNotes&>(*map._Ptr).GetLoadNotes(notes);
+    ASSERT_EQ(notes.size(), row.note ? 1U : 0U);
+    if (row.note) {
+      EXPECT_STREQ(notes[0].c_str(), row.note);
+    }
+  }
 }
 
 TEST(ZippedLoading, RefusesDamageAndBombs) {

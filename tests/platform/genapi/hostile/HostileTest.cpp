@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "../MemoryPort.h"
+#include "GenApi/ILoadNotes.h"
 #include "Limited.h"
 
 namespace {
@@ -409,6 +410,65 @@ TEST(Hostile, StructuresThatMultiplyAreRefused) {
            return nodes + "</StructReg>";
          },
          Loaded, {"RuntimeException: ", "too many elements", "N19 (MaskedIntReg, line 22)"});
+  Expect("structure with a formula",
+         [] {
+           std::string nodes = "<Integer Name=\"I\"><Value>1</Value></Integer><StructReg>" + kPlace +
+                               "<IntSwissKnife Name=\"K\">" +
+                               Repeat("<pVariable Name=\"V\">I</pVariable>", 100000) +
+                               "<Formula>V</Formula></IntSwissKnife>\n";
+           for (std::size_t i = 0; i < 50000; ++i)
+             nodes += "<StructEntry Name=\"N" + Number(i) + "\"><Bit>0</Bit></StructEntry>\n";
+           return nodes + "</StructReg>";
+         },
+         Loaded, {"RuntimeException: ", "too many elements", "_N19_K (IntSwissKnife, line 3)"});
+}
+
+// Names and texts as long as the document allows, where they are wanted often.
+TEST(Hostile, LongNamesTakeNoMemoryWithoutBound) {
+  constexpr std::size_t kMiB = std::size_t{1} << 20;
+  const std::string longName(4 * kMiB, 'N');
+  Expect("entries of a long name",
+         [&] {
+           std::string nodes = "<Enumeration Name=\"" + longName + "\">\n";
+           for (std::size_t i = 0; i < 10000; ++i)
+             nodes += "<EnumEntry Name=\"E" + Number(i) + "\"><Value>1</Value></EnumEntry>\n";
+           return nodes + "<Value>1</Value></Enumeration>";
+         },
+         Loaded, {"RuntimeException: ", "names of inner nodes are too long", "E14 (EnumEntry, line 18)"});
+  Expect(
+      "notes about a long name",
+      [&] {
+        return "<Integer Name=\"" + longName + "\"><Value>1</Value>" + Repeat("<u/>", 2000) + "</Integer>";
+      },
+      [](Camera& camera) {
+        gcstring_vector notes;
+        dynamic_cast<ILoadNotes&>(*camera.map._Ptr).GetLoadNotes(notes);
+        std::size_t bytes = 0;
+        for (const gcstring& note : notes) bytes += note.size();
+        return bytes < kMiB ? "brief" : "long";
+      },
+      {"brief"});
+  Expect("attributes of a long name",
+         [&] {
+           return "<" + longName + Repeat(" a=\"\"", 2000) + "/><Node Name=\"N\"" +
+                  Repeat(" a=\"\"", 3000000) + "/>";
+         },
+         Loaded, {"loaded"});
+  Expect("links to a long name",
+         [&] {
+           return "<Node Name=\"" + longName + "\">" + Repeat("<pInvalidator>X</pInvalidator>", 2000) +
+                  "</Node>";
+         },
+         Loaded, {"loaded"});
+  for (const char* const nodes :
+       {"<Integer Name=\"%\"/>", "<Integer Name=\"%\"><pValue>%</pValue></Integer>",
+        "<Integer Name=\"I\"><pValue>%</pValue></Integer>", "<Integer><%/></Integer>",
+        "<Integer Name=\"I\"><Value>%</Value></Integer>", "<%", "<Node Name=\"%"}) {
+    std::string text = nodes;
+    for (std::size_t at = 0; (at = text.find('%', at)) != text.npos; at += longName.size())
+      text.replace(at, 1, longName);
+    Expect(nodes, text, Loaded, {"Exception: ", "line "});
+  }
 }
 
 // Long chains and wide fans of links
@@ -560,8 +620,9 @@ TEST(Hostile, ArithmeticHasNoUndefinedCorner) {
 // Numbers
 
 TEST(Hostile, NumbersBeyondSixtyFourBitsAreRefusedWithElementAndLine) {
-  for (const char* const number : {"18446744073709551616", "0x10000000000000000",
-                                   "99999999999999999999999999", "1e40", "-", "0x", "1.5.2", "--1", "0x-1"}) {
+  for (const char* const number :
+       {"18446744073709551616", "0x10000000000000000", "99999999999999999999999999", "1e40", "-", "0x",
+        "1.5.2", "--1", "0x-1", "-9223372036854775809", "-0xFFFFFFFFFFFFFFFF"}) {
     Expect(number, "<Integer Name=\"I\">\n<Value>" + std::string(number) + "</Value></Integer>", Loaded,
            {"PropertyException: ", "Element Value of node 'I' at line 4", number});
     Expect(number,
