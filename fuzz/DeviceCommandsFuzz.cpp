@@ -22,7 +22,7 @@ class NoActions final : public gigedevice::DeviceActions {
     if (!target.IsOpen()) std::abort();
   }
   void Resend(const gigedevice::ResendRequest& /*request*/) override {}
-  bool ChangeAddress(gige::Ipv4 /*ip*/) override { return true; }
+  bool ChangeAddress(gige::Ipv4 /*ip*/, gige::Ipv4 /*mask*/) override { return true; }
 };
 
 void Check(std::span<const std::uint8_t> command,

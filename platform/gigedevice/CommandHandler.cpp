@@ -220,7 +220,7 @@ CommandHandler::Outcome CommandHandler::ForceIp(ByteView payload) {
   const Ipv4 ip{Get32(payload, 20)};
   const Ipv4 mask{Get32(payload, 36)};
   if (ip == gige::kNoAddress) return silent;
-  if (!gige::IsSubnetMask(mask) || !gige::IsHostAddress(ip, mask) || !actions_.ChangeAddress(ip))
+  if (!gige::IsSubnetMask(mask) || !gige::IsHostAddress(ip, mask) || !actions_.ChangeAddress(ip, mask))
     return {status::kInvalidParameter, {}};
   registers_.Set(reg::kCurrentIp, ip.value);
   registers_.Set(reg::kCurrentMask, mask.value);

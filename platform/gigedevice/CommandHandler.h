@@ -33,7 +33,7 @@ class DeviceActions {
   virtual void FireTestPacket(const StreamTarget& target) = 0;
   virtual void Resend(const ResendRequest& request) = 0;
   /// Answers on another address from now on. False: not possible, and nothing changed.
-  virtual bool ChangeAddress(gige::Ipv4 ip) = 0;
+  virtual bool ChangeAddress(gige::Ipv4 ip, gige::Ipv4 mask) = 0;
 
  protected:
   ~DeviceActions() = default;

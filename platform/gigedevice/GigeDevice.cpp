@@ -40,7 +40,7 @@ std::optional<GigeDevice::Endpoint> GigeDevice::OpenEndpoint(gige::Ipv4 ip) {
     break;
   }
   if (network == nullptr) return std::nullopt;
-  endpoint.mask = network->mask;
+  endpoint.network = {ip, network->mask};
   std::optional<DeviceSocket> unicast = DeviceSocket::BoundTo(ip, gige::kGvcpPort, false);
   if (!unicast) return std::nullopt;
   endpoint.unicast = std::move(*unicast);
@@ -54,14 +54,14 @@ std::optional<GigeDevice::Endpoint> GigeDevice::OpenEndpoint(gige::Ipv4 ip) {
 }
 
 GigeDevice::GigeDevice(cameras::CameraModel& camera, cameras::Clock& clock, const DeviceSettings& settings)
-    : stream_(camera, settings) {
+    : configuresAdapter_(settings.configuresAdapter), stream_(camera, settings) {
   std::optional<Endpoint> endpoint = OpenEndpoint(settings.ip);
   if (!endpoint || !stream_.Bind(settings.ip))
     throw DeviceError("no device can answer on " + gige::ToText(settings.ip) +
                       ": it is no address of this computer, or another device is there");
   endpoint_ = std::move(*endpoint);
   DeviceActions& actions = *this;
-  commands_ = std::make_unique<CommandHandler>(camera, clock, actions, settings, endpoint_.mask);
+  commands_ = std::make_unique<CommandHandler>(camera, clock, actions, settings, endpoint_.network.mask);
   commands_->SetStreamSourcePort(stream_.SourcePort());
   if (pipe(wake_) != 0) throw DeviceError("the system has no file descriptor left");
   for (const int end : wake_) fcntl(end, F_SETFD, FD_CLOEXEC);
@@ -75,7 +75,23 @@ GigeDevice::~GigeDevice() {
   close(wake_[0]);
 }
 
-bool GigeDevice::ChangeAddress(gige::Ipv4 ip) {
+bool GigeDevice::ChangeAddress(gige::Ipv4 ip, gige::Ipv4 mask) {
+  const unsigned adapter = endpoint_.adapterIndex;
+  const Network old = endpoint_.network;
+  const Network wanted{ip, mask};
+  if (!configuresAdapter_ || wanted == old) return ChangeEndpoint(ip);
+  if (!ReplaceAddress(adapter, old, wanted)) return false;
+  if (!ChangeEndpoint(ip)) {
+    ReplaceAddress(adapter, wanted, old);
+    return false;
+  }
+  endpoint_.network = wanted;
+  return true;
+}
+
+bool GigeDevice::ChangeEndpoint(gige::Ipv4 ip) {
+  // The socket of the present address stands in the way of another one there.
+  if (ip == endpoint_.network.ip) return true;
   std::optional<Endpoint> endpoint = OpenEndpoint(ip);
   if (!endpoint || !stream_.Bind(ip)) return false;
   endpoint_ = std::move(*endpoint);

@@ -10,6 +10,7 @@
 
 #include "cameras/CameraModel.h"
 #include "cameras/Clock.h"
+#include "gigedevice/AdapterConfiguration.h"
 #include "gigedevice/CommandHandler.h"
 #include "gigedevice/DeviceSettings.h"
 #include "gigedevice/DeviceSocket.h"
@@ -39,7 +40,7 @@ class GigeDevice final : private DeviceActions {
     DeviceSocket unicast;
     std::vector<DeviceSocket> broadcasts;
     unsigned adapterIndex = 0;
-    gige::Ipv4 mask;
+    Network network;
   };
 
   static std::optional<Endpoint> OpenEndpoint(gige::Ipv4 ip);
@@ -49,8 +50,10 @@ class GigeDevice final : private DeviceActions {
   void SetStream(const StreamTarget& target) override { stream_.SetTarget(target); }
   void FireTestPacket(const StreamTarget& target) override { stream_.SendTestPacket(target); }
   void Resend(const ResendRequest& request) override { stream_.Resend(request); }
-  bool ChangeAddress(gige::Ipv4 ip) override;
+  bool ChangeAddress(gige::Ipv4 ip, gige::Ipv4 mask) override;
+  bool ChangeEndpoint(gige::Ipv4 ip);
 
+  const bool configuresAdapter_;
   StreamSender stream_;
   Endpoint endpoint_;
   std::unique_ptr<CommandHandler> commands_;

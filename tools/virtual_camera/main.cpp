@@ -46,6 +46,9 @@ void AddOptions(CLI::App& app, CommandLine& line) {
   app.add_option("--seed", line.defaults.device.seed, "The same seed loses the same packets (1)");
   app.add_option("-d,--delay", line.delayMs, "Each frame leaves so many milliseconds later (0)")
       ->check(CLI::Range(0, 60000));
+  app.add_flag(
+      "--configure-adapter", line.defaults.device.configuresAdapter,
+      "An address that a client assigns is given to the adapter, too (a network of its own is advised)");
   app.add_flag("--no-resend", line.hasNoResend, "Lost packets cannot be had again");
   app.add_option("--send", line.defaults.device.sendMethod, "How packets are handed to the system (auto)")
       ->transform(

@@ -26,7 +26,7 @@ class Recorder final : public DeviceActions {
   void SetStream(const StreamTarget& target) override { targets.push_back(target); }
   void FireTestPacket(const StreamTarget& target) override { tests.push_back(target); }
   void Resend(const ResendRequest& request) override { resends.push_back(request); }
-  bool ChangeAddress(Ipv4 ip) override {
+  bool ChangeAddress(Ipv4 ip, Ipv4 /*mask*/) override {
     address = ip;
     return canChange;
   }

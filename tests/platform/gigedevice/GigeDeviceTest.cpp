@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include <algorithm>
 #include <map>
 #include <vector>
 
+#include "ChildProcess.h"
 #include "PrivateNetwork.h"
 #include "cameras/Catalog.h"
 #include "cameras/registers/BigEndian.h"
@@ -141,6 +143,66 @@ TEST_F(GigeDeviceTest, ForceIpMovesIt) {
   EXPECT_EQ(value, wanted.ip.value);
   EXPECT_EQ(RegisterClient::Connect(kHost, kDevice, kPatient)->ReadRegister(reg::kCurrentIp, value),
             Result::nobodyListens);
+}
+
+// An address of its own on the adapter, which goes with the test.
+class OnAdapter : public GigeDeviceTest {
+ protected:
+  void SetUp() override {
+    GigeDeviceTest::SetUp();
+    ASSERT_EQ(zyntest::RunToEnd({"ip", "addr", "add", "10.9.9.5/24", "dev", "lo"}).exitCode, 0);
+  }
+  void TearDown() override {
+    zyntest::RunToEnd({"ip", "addr", "del", "10.9.9.5/24", "dev", "lo"});
+    zyntest::RunToEnd({"ip", "addr", "del", "172.20.1.2/16", "dev", "lo"});
+    zyntest::RunToEnd({"ip", "addr", "del", "10.9.9.6/25", "dev", "lo"});
+  }
+  static bool AdapterHas(Ipv4 ip, Ipv4 mask) {
+    const gige::Adapter loopback = gige::ListAdapters().at(0);
+    return std::ranges::any_of(loopback.addresses,
+                               [&](const auto& own) { return own.ip == ip && own.mask == mask; });
+  }
+  gige::ForceIpResult Force(const gige::IpSettings& wanted) const {
+    return gige::ForceIp(gige::ListAdapters().at(0), settings_.mac, wanted,
+                         std::chrono::milliseconds(kPatienceMs));
+  }
+
+  DeviceSettings settings_ = Settings({0x0A090905});
+};
+
+TEST_F(OnAdapter, AForcedAddressReplacesTheAdaptersWhenTheDeviceMayConfigureIt) {
+  settings_.configuresAdapter = true;
+  const GigeDevice device(*camera_, cameras::SteadyClock(), settings_);
+  EXPECT_EQ(Force({{0xAC140102}, {0xFFFF0000}, {}}), gige::ForceIpResult::confirmed);
+  EXPECT_TRUE(AdapterHas({0xAC140102}, {0xFFFF0000}));
+  EXPECT_FALSE(AdapterHas({0x0A090905}, {0xFFFFFF00}));
+  EXPECT_EQ(Force({{0x0A090906}, {0xFFFFFF80}, {}}), gige::ForceIpResult::confirmed) << "again, and back";
+  EXPECT_TRUE(AdapterHas({0x0A090906}, {0xFFFFFF80}));
+  EXPECT_FALSE(AdapterHas({0xAC140102}, {0xFFFF0000}));
+}
+
+TEST_F(OnAdapter, OnlyTheMaskMayChange) {
+  settings_.configuresAdapter = true;
+  const GigeDevice device(*camera_, cameras::SteadyClock(), settings_);
+  EXPECT_EQ(Force({settings_.ip, {0xFFFF0000}, {}}), gige::ForceIpResult::confirmed);
+  EXPECT_TRUE(AdapterHas(settings_.ip, {0xFFFF0000}));
+  EXPECT_EQ(Force({{0x0A090906}, {0xFFFFFF80}, {}}), gige::ForceIpResult::confirmed);
+  EXPECT_FALSE(AdapterHas(settings_.ip, {0xFFFF0000}));
+}
+
+TEST_F(OnAdapter, AnAddressThatTheComputerLacksIsRefusedOtherwise) {
+  const GigeDevice device(*camera_, cameras::SteadyClock(), settings_);
+  EXPECT_EQ(Force({{0xAC140102}, {0xFFFF0000}, {}}), gige::ForceIpResult::refused);
+  EXPECT_TRUE(AdapterHas(settings_.ip, {0xFFFFFF00}));
+}
+
+TEST_F(OnAdapter, AnAddressThatTheSystemRefusesLeavesTheOldOne) {
+  ASSERT_EQ(zyntest::RunToEnd({"ip", "addr", "add", "172.20.1.2/16", "dev", "lo"}).exitCode, 0);
+  settings_.configuresAdapter = true;
+  device_.emplace(*camera_, cameras::SteadyClock(), settings_);
+  EXPECT_EQ(Force({{0xAC140102}, {0xFFFF0000}, {}}), gige::ForceIpResult::refused) << "it is there already";
+  device_.reset();  // the command comes once for each of the adapter's addresses
+  EXPECT_TRUE(AdapterHas(settings_.ip, {0xFFFFFF00}));
 }
 
 TEST_F(GigeDeviceTest, AnImageComesInFullPackets) {
