@@ -1,18 +1,22 @@
 #include "IpAssignment.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
+#include <memory>
 
+#include "TemporaryAddress.h"
+#include "gige/PersistentIp.h"
 #include "gige/RegisterClient.h"
 
 namespace zyn::gevip {
 namespace {
 
 using gige::Adapter;
+using gige::Control;
 using gige::DiscoveredDevice;
 using gige::IpSettings;
 using gige::Ipv4;
+using gige::PersistentIp;
 using gige::RegisterClient;
 using gige::Result;
 using std::chrono::milliseconds;
@@ -22,6 +26,9 @@ using std::chrono::milliseconds;
 constexpr gige::DiscoveryOptions kSearch{};
 constexpr milliseconds kPatience{2500};
 constexpr RegisterClient::Options kCommands{milliseconds{150}, 3};
+// After a change of address the system may still wait for an answer to an earlier question about the new one,
+// and repeats that after a second.
+constexpr RegisterClient::Options kPatientCommands{milliseconds{400}, 4};
 
 bool HasSettings(const DiscoveredDevice& camera, const IpSettings& settings) {
   const gige::DeviceDescription& now = camera.description;
@@ -41,54 +48,6 @@ bool IsTaken(Ipv4 ip, const DiscoveredDevice& camera, const std::vector<Discover
   return isOtherCameras || isOurs;
 }
 
-// Control of a camera for one scope.
-class Control {
- public:
-  explicit Control(RegisterClient& client)
-      : client_(client),
-        result_(client.WriteRegister(gige::bootstrap::kControlPrivilege, gige::kControlAccess)) {}
-  ~Control() {
-    if (result_ == Result::ok) client_.WriteRegister(gige::bootstrap::kControlPrivilege, 0);
-  }
-  Control(const Control&) = delete;
-  Control& operator=(const Control&) = delete;
-  explicit operator bool() const { return result_ == Result::ok; }
-
- private:
-  RegisterClient& client_;
-  const Result result_;
-};
-
-bool WriteAndCheck(RegisterClient& client, std::uint32_t address, std::uint32_t value, std::uint32_t mask) {
-  std::uint32_t stored = 0;
-  return client.WriteRegister(address, value) == Result::ok &&
-         client.ReadRegister(address, stored) == Result::ok && ((stored ^ value) & mask) == 0;
-}
-
-// Stores the settings in the camera at `address` and makes them what it starts with.
-bool Store(const Adapter& adapter, Ipv4 address, const IpSettings& settings) {
-  const gige::AdapterAddress* local = adapter.AddressFor(address);
-  if (local == nullptr) return false;
-  const auto client = RegisterClient::Connect(local->ip, address, kCommands);
-  if (!client) return false;
-  const Control control(*client);
-  if (!control) return false;
-  constexpr std::uint32_t kAllBits = 0xFFFFFFFFU;
-  const std::array<std::pair<std::uint32_t, Ipv4>, 3> registers{
-      {{gige::bootstrap::kPersistentIp, settings.ip},
-       {gige::bootstrap::kPersistentMask, settings.mask},
-       {gige::bootstrap::kPersistentGateway, settings.gateway}}};
-  for (const auto& [reg, value] : registers) {
-    if (!WriteAndCheck(*client, reg, value.value, kAllBits)) return false;
-  }
-  std::uint32_t configuration = 0;
-  if (client->ReadRegister(gige::bootstrap::kIpConfiguration, configuration) != Result::ok) return false;
-  // With DHCP left on, a server could give the camera another address at its next start.
-  configuration = (configuration | gige::kPersistentIpEnabled) & ~gige::kDhcpEnabled;
-  return WriteAndCheck(*client, gige::bootstrap::kIpConfiguration, configuration,
-                       gige::kPersistentIpEnabled | gige::kDhcpEnabled);
-}
-
 int ResultOf(gige::ForceIpResult result) {
   switch (result) {
     case gige::ForceIpResult::confirmed:
@@ -103,21 +62,112 @@ int ResultOf(gige::ForceIpResult result) {
   return GEV_IP_ERROR;
 }
 
-int AssignTo(const DiscoveredDevice& camera, const Adapter& adapter, const IpSettings& settings,
-             bool persistent) {
-  // The registers can be reached at the new address, unless it belongs to another network; then only before
-  // the change.
-  const bool storeFirst = persistent && adapter.AddressFor(settings.ip) == nullptr;
-  bool isStored = storeFirst && Store(adapter, camera.description.ip, settings);
-  if (!HasSettings(camera, settings)) {
-    if (camera.description.mac.IsZero())
-      return GEV_IP_NO_ANSWER;  // every camera without a MAC address would feel meant
-    const int result = ResultOf(gige::ForceIp(adapter, camera.description.mac, settings, kPatience));
-    if (result != GEV_IP_OK) return result;
+// Stores an address in the camera at `address`, and can take that back. Keeps nothing open in between.
+class Store {
+ public:
+  Store(const Adapter& adapter, Ipv4 address, const RegisterClient::Options& options)
+      : adapter_(adapter), address_(address), options_(options) {}
+
+  /// After a failure the camera has what it had.
+  Result Write(const IpSettings& settings) {
+    const auto client = Connect();
+    if (!client) return Result::systemError;
+    const Control control(*client);
+    if (control.Outcome() != Result::ok) return control.Outcome();
+    if (const Result result = gige::ReadPersistentIp(*client, before_); result != Result::ok) return result;
+    // With DHCP left on, a server could give the camera another address at its next start.
+    const std::uint32_t methods = (before_.methods | gige::kPersistentIpEnabled) & ~gige::kDhcpEnabled;
+    const Result result = gige::WritePersistentIp(*client, {settings, methods});
+    if (result != Result::ok) gige::WritePersistentIp(*client, before_);
+    return result;
   }
-  if (persistent && !storeFirst) isStored = Store(adapter, settings.ip, settings);
-  return persistent && !isStored ? GEV_IP_NOT_PERSISTENT : GEV_IP_OK;
-}
+
+  /// Brings back what was stored before Write.
+  bool TakeBack() {
+    const auto client = Connect();
+    if (!client) return false;
+    const Control control(*client);
+    return control.Outcome() == Result::ok && gige::WritePersistentIp(*client, before_) == Result::ok;
+  }
+
+ private:
+  std::unique_ptr<RegisterClient> Connect() const {
+    const gige::AdapterAddress* local = adapter_.AddressFor(address_);
+    return local == nullptr ? nullptr : RegisterClient::Connect(local->ip, address_, options_);
+  }
+
+  const Adapter& adapter_;
+  const Ipv4 address_;
+  const RegisterClient::Options options_;
+  PersistentIp before_;
+};
+
+class Assignment {
+ public:
+  Assignment(const DiscoveredDevice& camera, const Adapter& adapter, const std::vector<DiscoveredDevice>& all,
+             const IpSettings& wanted)
+      : camera_(camera), adapter_(adapter), all_(all), wanted_(wanted) {}
+
+  int UntilPowerOff() const { return HasSettings(camera_, wanted_) ? GEV_IP_OK : Force(wanted_); }
+
+  int Persistent() const {
+    if (CanReach(wanted_.ip)) return ForceThenStore();
+    return CanReach(camera_.description.ip) ? StoreThenForce() : StoreOnTheWay();
+  }
+
+ private:
+  bool CanReach(Ipv4 ip) const { return adapter_.AddressFor(ip) != nullptr; }
+
+  int Force(const IpSettings& settings) const {
+    // Every camera without a MAC address would feel meant.
+    if (camera_.description.mac.IsZero()) return GEV_IP_NO_ANSWER;
+    return ResultOf(gige::ForceIp(adapter_, camera_.description.mac, settings, kPatience));
+  }
+
+  int ForceThenStore() const {
+    if (const int result = UntilPowerOff(); result != GEV_IP_OK) return result;
+    const bool isStored = Store(adapter_, wanted_.ip, kCommands).Write(wanted_) == Result::ok;
+    return isStored ? GEV_IP_OK : GEV_IP_NOT_PERSISTENT;
+  }
+
+  // The new address belongs to another network: the registers can be reached before the change only.
+  int StoreThenForce() const {
+    Store store(adapter_, camera_.description.ip, kCommands);
+    if (const Result result = store.Write(wanted_); result != Result::ok) {
+      return result == Result::accessDenied ? GEV_IP_IN_USE : GEV_IP_NOT_STORED;
+    }
+    const int result = Force(wanted_);
+    if (result == GEV_IP_OK || store.TakeBack()) return result;
+    return GEV_IP_HALF_DONE;
+  }
+
+  // Neither the old nor the new address can be talked to, so the camera gets one of the adapter's network in
+  // between.
+  int StoreOnTheWay() const {
+    const auto between = FindTemporaryAddress(adapter_, camera_, all_, wanted_);
+    if (!between) {
+      const int result = UntilPowerOff();
+      return result == GEV_IP_OK ? GEV_IP_NOT_REACHED : result;
+    }
+    if (const int result = Force(*between); result != GEV_IP_OK) return result;
+    Store store(adapter_, between->ip, kPatientCommands);
+    if (store.Write(wanted_) != Result::ok) return GoBack(GEV_IP_NOT_STORED);
+    const int result = Force(wanted_);
+    if (result == GEV_IP_OK) return result;
+    return store.TakeBack() ? GoBack(result) : GEV_IP_HALF_DONE;
+  }
+
+  // The result, when the camera has its former address again.
+  int GoBack(int result) const {
+    const gige::DeviceDescription& before = camera_.description;
+    return Force({before.ip, before.mask, before.gateway}) == GEV_IP_OK ? result : GEV_IP_HALF_DONE;
+  }
+
+  const DiscoveredDevice& camera_;
+  const Adapter& adapter_;
+  const std::vector<DiscoveredDevice>& all_;
+  const IpSettings& wanted_;
+};
 
 }  // namespace
 
@@ -147,7 +197,8 @@ int Assign(const std::string& serial, const IpSettings& settings, bool persisten
   if (gige::IsLoopback(settings.ip) && !isVirtual) return GEV_IP_INVALID_ADDRESS;
   if (IsTaken(settings.ip, camera, all, *adapter)) return GEV_IP_ADDRESS_TAKEN;
   if (camera.control == gige::ControlState::controlled) return GEV_IP_IN_USE;
-  return AssignTo(camera, *adapter, settings, persistent);
+  const Assignment assignment(camera, *adapter, all, settings);
+  return persistent ? assignment.Persistent() : assignment.UntilPowerOff();
 }
 
 }  // namespace zyn::gevip

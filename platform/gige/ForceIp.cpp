@@ -18,6 +18,7 @@ constexpr std::uint16_t kSearchRequest = 0x1002;
 constexpr milliseconds kSearchPeriod{100};
 constexpr int kSearchesPerForce = 5;  // the address is sent again when five searches did not find it in force
 constexpr int kMostForces = 3;
+constexpr int kRoundsAfterRefusal = 2;
 
 class ForceIpRun {
  public:
@@ -28,24 +29,32 @@ class ForceIpRun {
     const Clock::time_point deadline = Clock::now() + patience;
     for (int turn = 0; Clock::now() < deadline; ++turn) {
       if (turn % kSearchesPerForce == 0 && turn / kSearchesPerForce < kMostForces) {
-        Broadcast(EncodeForceIp(kForceRequest, mac_, settings_.ip, settings_.mask, settings_.gateway));
+        const bool isSent =
+            Broadcast(EncodeForceIp(kForceRequest, mac_, settings_.ip, settings_.mask, settings_.gateway));
+        if (!isSent && turn == 0) return ForceIpResult::systemError;
       }
       Broadcast(EncodeDiscovery(kSearchRequest, true));
       Listen(std::min(deadline, Clock::now() + kSearchPeriod));
-      if (result_ != ForceIpResult::noAnswer) return result_;
+      if (isConfirmed_) return ForceIpResult::confirmed;
+      // The error may be that of another camera, which does not know the command: an acknowledge does not tell
+      // who is meant. The one that is meant has the address by the next search.
+      if (roundsRefused_ > 0 && ++roundsRefused_ > kRoundsAfterRefusal) return ForceIpResult::refused;
     }
-    return result_;
+    return roundsRefused_ > 0 ? ForceIpResult::refused : ForceIpResult::noAnswer;
   }
 
  private:
-  void Broadcast(const Bytes& datagram) {
+  // False when nothing left.
+  bool Broadcast(const Bytes& datagram) {
+    bool isSent = false;
     for (const AdapterAddress& address : adapter_.addresses) {
-      socket_.SendFrom(address.ip, kLimitedBroadcast, kGvcpPort, datagram);
+      isSent |= socket_.SendFrom(address.ip, kLimitedBroadcast, kGvcpPort, datagram);
     }
+    return isSent;
   }
 
   void Listen(Clock::time_point until) {
-    while (result_ == ForceIpResult::noAnswer) {
+    while (!isConfirmed_) {
       const auto wait = std::chrono::ceil<milliseconds>(until - Clock::now()).count();
       if (wait <= 0) return;
       pollfd descriptor{socket_.Descriptor(), POLLIN, 0};
@@ -61,7 +70,7 @@ class ForceIpRun {
     if (!ack) return;
     if (ack->requestId == kForceRequest && ack->ackId == command::kForceIp + 1 &&
         ack->status != status::kSuccess) {
-      result_ = ForceIpResult::refused;
+      roundsRefused_ = std::max(roundsRefused_, 1);
     }
     if (ack->requestId == kSearchRequest && ack->ackId == command::kDiscovery + 1) Compare(ack->payload);
   }
@@ -69,14 +78,15 @@ class ForceIpRun {
   void Compare(ByteView payload) {
     const auto device = ParseDiscovery(payload);
     if (!device || device->mac != mac_) return;
-    if (device->ip == settings_.ip && device->mask == settings_.mask) result_ = ForceIpResult::confirmed;
+    if (device->ip == settings_.ip && device->mask == settings_.mask) isConfirmed_ = true;
   }
 
   const Adapter& adapter_;
   UdpSocket socket_;
   const MacAddress mac_;
   const IpSettings settings_;
-  ForceIpResult result_ = ForceIpResult::noAnswer;
+  bool isConfirmed_ = false;
+  int roundsRefused_ = 0;  // the rounds since the first one
 };
 
 }  // namespace

@@ -10,15 +10,16 @@ namespace zyn::gige {
 
 enum class ForceIpResult {
   confirmed,  ///< the camera answers a search with the new address and mask
-  refused,    ///< it answered with an error
+  refused,  ///< a camera answered with an error, and the searches after that did not find the address in force
   noAnswer,  ///< it kept its address, or is not seen any more. A controlled camera keeps its address silently
-  systemError  ///< no socket on that adapter
+  systemError  ///< no socket on that adapter, or it sends nothing
 };
 
 struct IpSettings {
   Ipv4 ip;
   Ipv4 mask;
   Ipv4 gateway;
+  friend bool operator==(const IpSettings&, const IpSettings&) = default;
 };
 
 /// Tells the camera with this MAC address, which must not be zero, to take the settings until its power goes,

@@ -76,6 +76,7 @@ constexpr std::uint32_t kControlAccess = 2;
 /// Bits of the IP configuration register.
 constexpr std::uint32_t kPersistentIpEnabled = 1;
 constexpr std::uint32_t kDhcpEnabled = 2;
+constexpr std::uint32_t kLinkLocalEnabled = 4;
 /// Bit of the capability register: the registers of the primary application exist.
 constexpr std::uint32_t kHasPrimaryApplication = 1U << 27U;
 

@@ -49,7 +49,7 @@ TEST(ForceIp, IsSentAgainWhenItIsLost) {
   EXPECT_EQ(device.Commands(command::kForceIp).size(), 2U);
 }
 
-TEST(ForceIp, RefusalIsReportedAtOnce) {
+TEST(ForceIp, RefusalIsReportedBeforeThePatienceEnds) {
   const auto identity = LoopbackIdentity(2, "S");
   ScriptedDevice device(identity);
   device.SetScript([](ByteView command) -> std::optional<std::vector<Bytes>> {

@@ -115,6 +115,10 @@ ScriptedDevice::ScriptedDevice(const DeviceIdentity& identity) : identity_(ident
     const MutexLock lock(mutex_);
     registers_[gige::bootstrap::kIpConfiguration] = 6;
     registers_[gige::bootstrap::kControlPrivilege] = 0;
+    for (const std::uint32_t address : {gige::bootstrap::kPersistentIp, gige::bootstrap::kPersistentMask,
+                                        gige::bootstrap::kPersistentGateway}) {
+      registers_[address] = 0;
+    }
     BindOwnAddress();
   }
   thread_ = std::thread([this] { Serve(); });
