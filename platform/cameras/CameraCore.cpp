@@ -23,6 +23,7 @@ void CameraCore::TakeFrame(Frame& frame, std::size_t shortenBy) {
   PlanFrame(frame, shortenBy);
   NumberLayout(frame);
   pacer_.Take(NowNs());
+  Raise(kExposureEnd, {kExposureEndEvent, frame.timestampNs, frame.id});
 }
 
 void CameraCore::SetLine(unsigned line, bool isHigh) {
@@ -36,12 +37,18 @@ RegisterStatus CameraCore::Start() {
   frameNumber_ = 0;
   OnStart();
   pacer_.Start(MakePace(), NowNs());
+  Raise(kAcquisitionStart, {kAcquisitionStartEvent, NowNs(), 0});
   return RegisterStatus::ok;
+}
+
+void CameraCore::Raise(Event event, const CameraEvent& what) {
+  if (listener_ != nullptr && notifies_[event] != 0) listener_->OnCameraEvent(what);
 }
 
 void CameraCore::Reset() {
   pacer_.Stop();
   latchedTime_ = 0;
+  notifies_ = {};
   ++resets_;
   OnReset();
 }
@@ -106,6 +113,34 @@ void CameraCore::AddLineFeatures() {
       .Representation("HexNumber")
       .Expert()
       .Volatile();
+}
+
+void CameraCore::AddEventFeatures() {
+  const auto number = [this](const char* name, const char* tip, std::uint16_t id) {
+    features_.Int(name, tip, std::function<std::int64_t()>([id] { return std::int64_t{id}; }))
+        .Representation("HexNumber")
+        .Expert();
+  };
+  features_.Category("EventControl", "What the camera reports by itself.");
+  features_.Selector("EventSelector", "The event that is meant.", {"AcquisitionStart", "ExposureEnd"});
+  features_
+      .Enum("EventNotification", "Whether the event is reported.", {{"Off", 0}, {"On", 1}},
+            {&notifies_[kAcquisitionStart], &notifies_[kExposureEnd]})
+      .SelectedBy("EventSelector")
+      .NotStored();
+  number("EventAcquisitionStart", "Number of the event: the acquisition has started.",
+         kAcquisitionStartEvent);
+  number("EventExposureEnd", "Number of the event: the last exposure of a frame has ended.",
+         kExposureEndEvent);
+  features_.EventPort("EventExposureEndPort", kExposureEndEvent);
+  features_
+      .ChunkInt("EventExposureEndTimestamp", "When the exposure ended.", "EventExposureEndPort",
+                kEventTimestampAt)
+      .Unit("ns")
+      .Expert();
+  features_
+      .ChunkInt("EventExposureEndFrameID", "Number of the frame.", "EventExposureEndPort", kEventFrameIdAt)
+      .Expert();
 }
 
 void CameraCore::AddTransportFeatures() {

@@ -2,6 +2,7 @@
 #ifndef ZYN_CAMERAS_CAMERA_CORE_H
 #define ZYN_CAMERAS_CAMERA_CORE_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -45,6 +46,8 @@ class CameraCore {
   /// The next frame begins a new series, where the camera has series.
   virtual void BeginNewSeries() {}
 
+  void SetEventListener(CameraEventListener* listener) { listener_ = listener; }
+
   void SetLine(unsigned line, bool isHigh);
   virtual void TurnEncoder(std::uint32_t) {}
 
@@ -63,6 +66,7 @@ class CameraCore {
   /// AcquisitionStart, AcquisitionStop.
   void AddAcquisitionCommands();
   void AddLineFeatures();
+  void AddEventFeatures();
   void AddTransportFeatures();
   void Finish(const std::string& summary);
 
@@ -72,7 +76,11 @@ class CameraCore {
   Pacer pacer_;
 
  private:
+  /// The values of EventSelector.
+  enum Event : std::size_t { kAcquisitionStart, kExposureEnd, kEvents };
+
   RegisterStatus Start();
+  void Raise(Event event, const CameraEvent& what);
   void Reset();
   double Temperature() const;
 
@@ -85,6 +93,8 @@ class CameraCore {
   std::int64_t latchedTime_ = 0;
   std::int64_t poweredUpAt_ = 0;
   bool lines_[2] = {false, false};
+  CameraEventListener* listener_ = nullptr;
+  std::array<std::int64_t, kEvents> notifies_{};  // the values of EventNotification
 };
 
 }  // namespace zyn::cameras

@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "cameras/CameraEvents.h"
 #include "cameras/Faults.h"
 #include "cameras/Frame.h"
 #include "cameras/RegisterStatus.h"
@@ -98,6 +99,10 @@ class CameraModel {
 
   /// The encoder moves on by `steps`. Cameras without one ignore it.
   virtual void TurnEncoder(std::uint32_t steps) = 0;
+
+  /// Who hears of events that the feature EventNotification switched on; null: nobody. Once it returns, the one before
+  /// hears nothing any more. The listener must stay until then.
+  virtual void SetEventListener(CameraEventListener* listener) = 0;
 
   /// How often DeviceReset was executed: a transport then drops its connection. A reset ends the acquisition.
   virtual std::uint64_t ResetCount() const = 0;

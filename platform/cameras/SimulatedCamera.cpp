@@ -159,6 +159,11 @@ void SimulatedCamera::TurnEncoder(std::uint32_t steps) {
   changed_.notify_all();
 }
 
+void SimulatedCamera::SetEventListener(CameraEventListener* listener) {
+  const MutexLock lock(mutex_);
+  core_->SetEventListener(listener);
+}
+
 std::uint64_t SimulatedCamera::ResetCount() const {
   const MutexLock lock(mutex_);
   return core_->ResetCount();

@@ -33,6 +33,7 @@ class SimulatedCamera final : public CameraModel, private ClockListener {
   void SetLine(unsigned line, bool isHigh) override;
   void PulseLine(unsigned line) override;
   void TurnEncoder(std::uint32_t steps) override;
+  void SetEventListener(CameraEventListener* listener) override;
   std::uint64_t ResetCount() const override;
   Faults& GetFaults() override { return faults_; }
 

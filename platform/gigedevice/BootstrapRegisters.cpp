@@ -47,6 +47,9 @@ BootstrapRegisters::BootstrapRegisters() : bytes_(reg::kEnd), rights_(reg::kEnd 
   Allow(bootstrap::kControlPrivilege, 4, readWrite);
   Allow(bootstrap::kPrimaryPort, 4, readOnly);
   Allow(bootstrap::kPrimaryIp, 4, readOnly);
+  Allow(reg::kMessagePort, 4, readWrite);
+  Allow(reg::kMessageDestination, 12, readWrite);  // address, time-out, retries
+  Allow(reg::kMessageSourcePort, 4, readOnly);
   Allow(reg::kStreamPort, 12, readWrite);  // port, packet size, gap
   Allow(reg::kStreamDestination, 4, readWrite);
   Allow(reg::kStreamSourcePort, 8, readOnly);  // port, capability

@@ -31,11 +31,18 @@ constexpr std::uint32_t kVersion20 = 0x00020000;
 constexpr std::uint32_t kTransmitterUtf8 = 0x80000001;
 constexpr std::uint32_t kEveryIpMethod = 7;
 constexpr std::uint32_t kLinkLocal = 4;
-// User name, serial number, heartbeat can be disabled, primary application, concatenation and WRITEMEM.
-constexpr std::uint32_t kCapabilities = 0xE8000003U;
+// User name, serial number, heartbeat can be disabled, primary application, EVENTDATA, EVENT, concatenation and
+// WRITEMEM.
+constexpr std::uint32_t kCapabilities = 0xE800001BU;
 constexpr std::uint32_t kResendCapability = 1U << 2U;
 // Source port is told, 16-bit numbers are supported.
 constexpr std::uint32_t kStreamCapabilities = 0xC0000000U;
+// Source port is told.
+constexpr std::uint32_t kMessageCapabilities = 1U << 31U;
+constexpr std::uint32_t kMessageTimeoutMs = 200;
+constexpr std::uint32_t kMessageRetries = 3;
+constexpr std::uint32_t kLongestMessageTimeoutMs = 10'000;
+constexpr std::uint32_t kMostMessageRetries = 10;
 constexpr std::uint32_t kExtendedIds = 1U << 30U;
 constexpr std::uint32_t kHeartbeatDisabled = 1;
 constexpr std::uint32_t kDefaultHeartbeatMs = 3000;
@@ -132,9 +139,13 @@ void CommandHandler::FillRegisters(const DeviceSettings& settings, Ipv4 mask) {
   WriteUrl();
   registers_.Set(reg::kInterfaceCount, 1);
   registers_.Set(reg::kLinkSpeed, kLinkMbps);
+  registers_.Set(reg::kMessageChannelCount, 1);
   registers_.Set(reg::kStreamChannelCount, 1);
   registers_.Set(reg::kActiveLinkCount, 1);
   registers_.Set(reg::kStreamCapability, kStreamCapabilities);
+  registers_.Set(reg::kMessageCapability, kMessageCapabilities);
+  registers_.Set(reg::kMessageTimeout, kMessageTimeoutMs);
+  registers_.Set(reg::kMessageRetries, kMessageRetries);
   registers_.Set(bootstrap::kCapability, kCapabilities | (settings.hasResend ? kResendCapability : 0));
   registers_.Set(bootstrap::kHeartbeatTimeout, kDefaultHeartbeatMs);
   registers_.Set(bootstrap::kTickFrequencyLow, kNsPerSecond);
@@ -368,6 +379,22 @@ std::uint16_t CommandHandler::WriteOwn(std::uint32_t address, std::uint32_t valu
     case reg::kControlConfiguration:
       registers_.Set(address, value & kHeartbeatDisabled);
       return status::kSuccess;
+    case reg::kMessagePort:
+      registers_.Set(address, value & 0xFFFFU);
+      PublishMessages();
+      return status::kSuccess;
+    case reg::kMessageDestination:
+      registers_.Set(address, value);
+      PublishMessages();
+      return status::kSuccess;
+    case reg::kMessageTimeout:
+      registers_.Set(address, std::min(value, kLongestMessageTimeoutMs));
+      PublishMessages();
+      return status::kSuccess;
+    case reg::kMessageRetries:
+      registers_.Set(address, std::min(value, kMostMessageRetries));
+      PublishMessages();
+      return status::kSuccess;
     case reg::kStreamConfiguration:
       registers_.Set(address, value & kExtendedIds);
       break;
@@ -410,6 +437,8 @@ void CommandHandler::ReleaseControl() {
   registers_.Set(bootstrap::kPrimaryIp, 0);
   registers_.Set(reg::kStreamPort, 0);
   PublishStream();
+  registers_.Set(reg::kMessagePort, 0);
+  PublishMessages();
   features_.StopAcquisition();
 }
 
@@ -434,6 +463,7 @@ void CommandHandler::ControlTimestamp(std::uint32_t value) {
   if ((value & kReset) == 0) return;
   timestampOriginNs_ = nowNs;
   PublishStream();
+  PublishMessages();
 }
 
 StreamTarget CommandHandler::Target() const {
@@ -451,6 +481,16 @@ StreamTarget CommandHandler::Target() const {
 
 void CommandHandler::PublishStream() {
   actions_.SetStream(Target());
+}
+
+void CommandHandler::PublishMessages() {
+  MessageTarget target;
+  target.receiver.ip = Ipv4{registers_.Get(reg::kMessageDestination)};
+  target.receiver.port = static_cast<std::uint16_t>(registers_.Get(reg::kMessagePort));
+  target.timeout = std::chrono::milliseconds(registers_.Get(reg::kMessageTimeout));
+  target.retries = registers_.Get(reg::kMessageRetries);
+  target.timestampOriginNs = timestampOriginNs_;
+  actions_.SetMessages(target);
 }
 
 std::int64_t CommandHandler::CheckHeartbeat(std::int64_t nowNs) {

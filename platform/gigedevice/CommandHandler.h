@@ -13,22 +13,19 @@
 #include "gigedevice/BootstrapRegisters.h"
 #include "gigedevice/CameraFeatures.h"
 #include "gigedevice/DeviceSettings.h"
+#include "gigedevice/MessageTarget.h"
+#include "gigedevice/Peer.h"
 #include "gigedevice/StreamTarget.h"
 
 namespace zyn::gigedevice {
-
-/// Who sent a command. Two sockets of one program are two peers.
-struct Peer {
-  gige::Ipv4 ip;
-  std::uint16_t port = 0;
-  friend bool operator==(const Peer&, const Peer&) = default;
-};
 
 /// What commands make the rest of the device do. Called on the handler's thread.
 class DeviceActions {
  public:
   /// The stream's settings changed; a target without port closes the stream.
   virtual void SetStream(const StreamTarget& target) = 0;
+  /// The same for messages.
+  virtual void SetMessages(const MessageTarget& target) = 0;
   /// Sends one packet of exactly the size that `target` tells.
   virtual void FireTestPacket(const StreamTarget& target) = 0;
   virtual void Resend(const ResendRequest& request) = 0;
@@ -59,6 +56,7 @@ class CommandHandler {
   std::int64_t CheckHeartbeat(std::int64_t nowNs);
 
   void SetStreamSourcePort(std::uint16_t port) { registers_.Set(reg::kStreamSourcePort, port); }
+  void SetMessageSourcePort(std::uint16_t port) { registers_.Set(reg::kMessageSourcePort, port); }
 
  private:
   struct Command {
@@ -96,6 +94,7 @@ class CommandHandler {
   void WritePacketSize(std::uint32_t value);
   void ControlTimestamp(std::uint32_t value);
   void PublishStream();
+  void PublishMessages();
   StreamTarget Target() const;
 
   bool IsController(Peer sender) const { return controller_ == sender; }

@@ -10,7 +10,7 @@
 
 #include "gige/Address.h"
 #include "gige/GvcpWire.h"
-#include "gigedevice/CommandHandler.h"
+#include "gigedevice/Peer.h"
 
 namespace zyn::gigedevice {
 

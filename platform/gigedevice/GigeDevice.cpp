@@ -54,15 +54,15 @@ std::optional<GigeDevice::Endpoint> GigeDevice::OpenEndpoint(gige::Ipv4 ip) {
 }
 
 GigeDevice::GigeDevice(cameras::CameraModel& camera, cameras::Clock& clock, const DeviceSettings& settings)
-    : configuresAdapter_(settings.configuresAdapter), stream_(camera, settings) {
+    : configuresAdapter_(settings.configuresAdapter), stream_(camera, settings), messages_(camera) {
   std::optional<Endpoint> endpoint = OpenEndpoint(settings.ip);
-  if (!endpoint || !stream_.Bind(settings.ip))
+  if (!endpoint || !stream_.Bind(settings.ip) || !messages_.Bind(settings.ip))
     throw DeviceError("no device can answer on " + gige::ToText(settings.ip) +
                       ": it is no address of this computer, or another device is there");
   endpoint_ = std::move(*endpoint);
   DeviceActions& actions = *this;
   commands_ = std::make_unique<CommandHandler>(camera, clock, actions, settings, endpoint_.network.mask);
-  commands_->SetStreamSourcePort(stream_.SourcePort());
+  TellSourcePorts();
   if (pipe(wake_) != 0) throw DeviceError("the system has no file descriptor left");
   for (const int end : wake_) fcntl(end, F_SETFD, FD_CLOEXEC);
   thread_ = std::thread([this] { Run(); });
@@ -93,10 +93,15 @@ bool GigeDevice::ChangeEndpoint(gige::Ipv4 ip) {
   // The socket of the present address stands in the way of another one there.
   if (ip == endpoint_.network.ip) return true;
   std::optional<Endpoint> endpoint = OpenEndpoint(ip);
-  if (!endpoint || !stream_.Bind(ip)) return false;
+  if (!endpoint || !stream_.Bind(ip) || !messages_.Bind(ip)) return false;
   endpoint_ = std::move(*endpoint);
-  commands_->SetStreamSourcePort(stream_.SourcePort());
+  TellSourcePorts();
   return true;
+}
+
+void GigeDevice::TellSourcePorts() {
+  commands_->SetStreamSourcePort(stream_.SourcePort());
+  commands_->SetMessageSourcePort(messages_.SourcePort());
 }
 
 void GigeDevice::Run() {

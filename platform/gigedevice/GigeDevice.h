@@ -14,6 +14,7 @@
 #include "gigedevice/CommandHandler.h"
 #include "gigedevice/DeviceSettings.h"
 #include "gigedevice/DeviceSocket.h"
+#include "gigedevice/MessageChannel.h"
 #include "gigedevice/StreamSender.h"
 
 namespace zyn::gigedevice {
@@ -24,7 +25,7 @@ class DeviceError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// On the wire from construction to destruction, with two threads of its own: commands, and the stream. Several
+/// On the wire from construction to destruction, with three threads of its own: commands, stream and messages. Several
 /// devices of one computer need an address each. Answers on the adapter of its address only.
 class GigeDevice final : private DeviceActions {
  public:
@@ -44,10 +45,12 @@ class GigeDevice final : private DeviceActions {
   };
 
   static std::optional<Endpoint> OpenEndpoint(gige::Ipv4 ip);
+  void TellSourcePorts();
   void Run();
   void Serve(const DeviceSocket& socket, bool isBroadcast);
 
   void SetStream(const StreamTarget& target) override { stream_.SetTarget(target); }
+  void SetMessages(const MessageTarget& target) override { messages_.SetTarget(target); }
   void FireTestPacket(const StreamTarget& target) override { stream_.SendTestPacket(target); }
   void Resend(const ResendRequest& request) override { stream_.Resend(request); }
   bool ChangeAddress(gige::Ipv4 ip, gige::Ipv4 mask) override;
@@ -55,6 +58,7 @@ class GigeDevice final : private DeviceActions {
 
   const bool configuresAdapter_;
   StreamSender stream_;
+  MessageChannel messages_;
   Endpoint endpoint_;
   std::unique_ptr<CommandHandler> commands_;
   std::atomic<bool> isEnding_{false};

@@ -4,6 +4,8 @@
 #include <chrono>
 #include <utility>
 
+#include "cameras/Clock.h"
+
 namespace zyn::gigedevice {
 namespace {
 

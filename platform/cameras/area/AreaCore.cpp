@@ -70,6 +70,7 @@ AreaCore::AreaCore(Identity identity, const AreaModel& model, Clock& clock)
   AddLineFeatures();
   AddChunkFeatures();
   userSets_.AddFeatures(features_);
+  AddEventFeatures();
   AddTransportFeatures();
   features_.RestoredBy({"UserSetLoad", "DeviceReset"});
   Finish("Simulated area camera");

@@ -42,6 +42,7 @@ LaserCore::LaserCore(Identity identity, const LaserModel& model, Clock& clock)
   AddExtractionFeatures();
   AddChunkFeatures();
   userSets_.AddFeatures(features_);
+  AddEventFeatures();
   AddTransportFeatures();
   features_.RestoredBy({"UserSetLoad", "DeviceReset"});
   Finish("Simulated laser-profile camera");

@@ -271,10 +271,10 @@ void DescriptionWriter::WritePorts() {
   Close("Port");
   for (const auto& port : table_.ports_) {
     char id[16];
-    std::snprintf(id, sizeof id, "%08X", port.chunkId);
+    std::snprintf(id, sizeof id, "%08X", port.id);
     Open("Port", {{"Name", port.name}, {"NameSpace", "Custom"}});
     Line("Visibility", "Invisible");
-    Line("ChunkID", id);
+    Line(port.idElement, id);
     Close("Port");
   }
 }

@@ -142,7 +142,11 @@ Feature& FeatureTable::HostInt(std::string name, std::string tip) {
 }
 
 void FeatureTable::ChunkPort(std::string name, std::uint32_t chunkId) {
-  ports_.push_back(PortRow{std::move(name), chunkId});
+  ports_.push_back(PortRow{std::move(name), chunkId, "ChunkID"});
+}
+
+void FeatureTable::EventPort(std::string name, std::uint32_t eventId) {
+  ports_.push_back(PortRow{std::move(name), eventId, "EventID"});
 }
 
 Feature& FeatureTable::ChunkInt(std::string name, std::string tip, std::string port, std::size_t offset) {

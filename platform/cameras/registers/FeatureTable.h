@@ -47,7 +47,9 @@ class FeatureTable {
 
   /// The chunk that the port of this name reads.
   void ChunkPort(std::string name, std::uint32_t chunkId);
-  /// An 8-byte number `offset` bytes into a chunk.
+  /// The event whose data the port of this name reads.
+  void EventPort(std::string name, std::uint32_t eventId);
+  /// An 8-byte number `offset` bytes into a chunk, or into the data of an event.
   Feature& ChunkInt(std::string name, std::string tip, std::string port, std::size_t offset = 0);
   Feature& ChunkFloat(std::string name, std::string tip, std::string port, std::size_t offset = 0);
 
@@ -74,7 +76,8 @@ class FeatureTable {
   };
   struct PortRow {
     std::string name;
-    std::uint32_t chunkId;
+    std::uint32_t id;
+    const char* idElement;  // says what the port reads
   };
 
   Feature& Add(FeatureKind kind, std::string name, std::string tip);

@@ -1,5 +1,6 @@
 #include "SimDevice.h"
 
+#include <array>
 #include <cstdio>
 
 #include "CameraRegisters.h"
@@ -10,9 +11,15 @@ namespace zyn::simulation {
 
 SimDevice::SimDevice(CameraSlot& slot, producer::DeviceListener& listener,
                      std::unique_ptr<producer::ModuleExtension> extension)
-    : slot_(slot), connection_(slot.Connect(listener)), extension_(std::move(extension)) {}
+    : slot_(slot),
+      listener_(listener),
+      connection_(slot.Connect(listener)),
+      extension_(std::move(extension)) {
+  slot_.Camera().SetEventListener(this);
+}
 
 SimDevice::~SimDevice() {
+  slot_.Camera().SetEventListener(nullptr);
   slot_.Disconnect(*connection_);
 }
 
@@ -28,6 +35,13 @@ producer::DeviceTraits SimDevice::Traits() const {
   traits.streamIds = {"Stream0"};
   traits.chunkFormat = producer::DeviceTraits::ChunkFormat::gigEVision;
   return traits;
+}
+
+void SimDevice::OnCameraEvent(const cameras::CameraEvent& event) {
+  std::array<std::uint8_t, cameras::kEventItemBytes + cameras::kEventDataBytes> item{};
+  const auto ticks = static_cast<std::uint64_t>(event.timestampNs);
+  const std::size_t size = cameras::WriteEventItem(event, ticks, item.data());
+  listener_.OnRemoteEvent(event.id, item.data(), size);
 }
 
 void SimDevice::RequireConnected() const {

@@ -7,11 +7,12 @@
 
 #include "CameraSlot.h"
 #include "Connection.h"
+#include "cameras/CameraEvents.h"
 #include "producer/Backend.h"
 
 namespace zyn::simulation {
 
-class SimDevice final : public producer::Device {
+class SimDevice final : public producer::Device, private cameras::CameraEventListener {
  public:
   /// slot outlives the device. extension: features of the local device module, or null. Throws producer::Error
   /// as CameraSlot::Connect.
@@ -29,9 +30,11 @@ class SimDevice final : public producer::Device {
   producer::ModuleExtension* Extension() override { return extension_.get(); }
 
  private:
+  void OnCameraEvent(const cameras::CameraEvent& event) override;
   void RequireConnected() const;
 
   CameraSlot& slot_;
+  producer::DeviceListener& listener_;
   const std::unique_ptr<Connection> connection_;
   const std::unique_ptr<producer::ModuleExtension> extension_;
 };

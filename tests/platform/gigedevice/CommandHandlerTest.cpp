@@ -24,6 +24,7 @@ constexpr gige::MacAddress kMac{{0x02, 0x5A, 1, 2, 3, 4}};
 class Recorder final : public DeviceActions {
  public:
   void SetStream(const StreamTarget& target) override { targets.push_back(target); }
+  void SetMessages(const MessageTarget& target) override { messages.push_back(target); }
   void FireTestPacket(const StreamTarget& target) override { tests.push_back(target); }
   void Resend(const ResendRequest& request) override { resends.push_back(request); }
   bool ChangeAddress(Ipv4 ip, Ipv4 /*mask*/) override {
@@ -32,6 +33,7 @@ class Recorder final : public DeviceActions {
   }
 
   std::vector<StreamTarget> targets;
+  std::vector<MessageTarget> messages;
   std::vector<StreamTarget> tests;
   std::vector<ResendRequest> resends;
   Ipv4 address;

@@ -74,11 +74,12 @@ class GigeDeviceTest : public testing::Test {
     ASSERT_EQ(client_->WriteMemory(address, bytes), Result::ok) << name;
   }
   void Execute(const std::string& command) { SetFeature(command, 1); }
-  gige::Bytes NextPacket() {
-    pollfd wait{receiver_->Descriptor(), POLLIN, 0};
+  gige::Bytes NextPacket() { return Next(*receiver_); }
+  static gige::Bytes Next(const DeviceSocket& socket) {
+    pollfd wait{socket.Descriptor(), POLLIN, 0};
     if (poll(&wait, 1, kPatienceMs) != 1) return {};
     gige::Bytes packet(65536);
-    const auto received = receiver_->Receive(packet);
+    const auto received = socket.Receive(packet);
     packet.resize(received ? received->bytes : 0);
     return packet;
   }
@@ -303,6 +304,114 @@ TEST_F(GigeDeviceTest, ADamagedFrameHasNoEnd) {
   EXPECT_LT(block.packets.size(), block.trailer);
   EXPECT_EQ(block.packets.count(1), 1U);
   EXPECT_EQ(block.packets.count(block.trailer - 1), 0U);
+}
+
+// The device's events, as a client with a message channel gets them.
+class GigeDeviceEventsTest : public GigeDeviceTest {
+ protected:
+  void StartWithEvents(std::uint32_t timeoutMs, std::uint32_t retries) {
+    Start(Settings(kDevice));
+    Notify(0);
+    Notify(1);
+    Write(reg::kMessageTimeout, timeoutMs);
+    Write(reg::kMessageRetries, retries);
+    Write(reg::kMessageDestination, kHost.value);
+    Write(reg::kMessagePort, messages_->Port());
+  }
+  void Notify(std::uint32_t event) {
+    const std::string text(camera_->Description());
+    const std::size_t at = text.find("<Address>", text.find("Name=\"EventNotificationReg\""));
+    ASSERT_NE(at, std::string::npos);
+    const auto address = static_cast<std::uint32_t>(std::strtoul(text.c_str() + at + 9, nullptr, 0));
+    Write(address + 4 * event, 1);
+  }
+  gige::Bytes NextMessage() { return Next(*messages_); }
+  // Answers the message, as a client has to.
+  void Acknowledge(const gige::Bytes& message, std::uint16_t requestId) {
+    gige::Bytes answer(gige::kGvcpHeaderBytes);
+    cameras::StoreBig(&answer[2], LoadBig(&message[2], 2) + 1, 2);
+    cameras::StoreBig(&answer[6], requestId, 2);
+    std::uint32_t port = 0;
+    ASSERT_EQ(client_->ReadRegister(reg::kMessageSourcePort, port), Result::ok);
+    messages_->SendTo({kDevice, static_cast<std::uint16_t>(port)}, answer);
+  }
+  static std::uint16_t RequestOf(const gige::Bytes& message) {
+    return static_cast<std::uint16_t>(LoadBig(&message[6], 2));
+  }
+
+  std::optional<DeviceSocket> messages_ = DeviceSocket::BoundTo(kHost, 0, false);
+};
+
+constexpr std::uint32_t kLongMs = 10'000;
+
+TEST_F(GigeDeviceEventsTest, EachIsSentOnceItsForerunnerIsAcknowledged) {
+  StartWithEvents(kLongMs, 3);
+  Execute("AcquisitionStart");
+  const gige::Bytes start = NextMessage();
+  ASSERT_EQ(start.size(), 24U);
+  EXPECT_EQ(LoadBig(start.data(), 8), 0x420100C000100001U);
+  EXPECT_EQ(LoadBig(&start[8], 8), 0x00009001FFFF0000U);
+  Acknowledge(start, RequestOf(start));
+  const gige::Bytes first = NextMessage();
+  ASSERT_EQ(first.size(), 32U);
+  EXPECT_EQ(LoadBig(first.data(), 8), 0x420100C200180002U);
+  EXPECT_EQ(LoadBig(&first[8], 8), 0x00009002FFFF0000U);
+  EXPECT_GE(LoadBig(&first[16], 8), LoadBig(&start[16], 8));
+  EXPECT_EQ(LoadBig(&first[24], 8), 1U);
+  const Received block = ReceiveBlock();
+  EXPECT_EQ(LoadBig(&block.packets.at(0)[12], 8), LoadBig(&first[16], 8)) << "the time stamp of the frame";
+  Acknowledge(first, RequestOf(first));
+  const gige::Bytes second = NextMessage();
+  ASSERT_EQ(second.size(), 32U);
+  EXPECT_EQ(RequestOf(second), 3U);
+  EXPECT_EQ(LoadBig(&second[24], 8), 2U);
+}
+
+TEST_F(GigeDeviceEventsTest, WhatIsNotAcknowledgedIsRepeatedAndThenGivenUp) {
+  StartWithEvents(100, 2);
+  Execute("AcquisitionStart");
+  const gige::Bytes start = NextMessage();
+  ASSERT_FALSE(start.empty());
+  Acknowledge(start, 77);  // of another message
+  EXPECT_EQ(NextMessage(), start);
+  EXPECT_EQ(NextMessage(), start);
+  const gige::Bytes first = NextMessage();
+  EXPECT_EQ(LoadBig(&first[2], 2), 0x00C2U);
+  EXPECT_EQ(RequestOf(first), 2U);
+}
+
+TEST_F(GigeDeviceEventsTest, NoAcknowledgeIsAskedForWithoutATimeout) {
+  StartWithEvents(0, 3);
+  Execute("AcquisitionStart");
+  for (std::uint16_t request = 1; request < 5; ++request) {
+    const gige::Bytes message = NextMessage();
+    ASSERT_FALSE(message.empty());
+    EXPECT_EQ(message[1], 0);
+    EXPECT_EQ(RequestOf(message), request);
+  }
+}
+
+TEST_F(GigeDeviceEventsTest, NothingComesThatWasNotSwitchedOnAndNothingOnceControlIsGone) {
+  StartWithEvents(kLongMs, 3);
+  SetFeature("DeviceReset", 1);  // the notifications are off again, and so is the channel
+  Write(bootstrap::kControlPrivilege, gige::kControlAccess);
+  SetFeature("Height", kHeight);
+  std::uint32_t port = 1;
+  EXPECT_EQ(client_->ReadRegister(reg::kMessagePort, port), Result::ok);
+  EXPECT_EQ(port, 0U);
+  Write(reg::kMessagePort, messages_->Port());
+  Write(reg::kStreamPort, receiver_->Port());
+  Execute("AcquisitionStart");
+  EXPECT_FALSE(ReceiveBlock().packets.empty());
+  Notify(1);
+  const gige::Bytes message = NextMessage();
+  ASSERT_FALSE(message.empty());
+  EXPECT_GT(LoadBig(&message[24], 8), 1U) << "the first frames were not reported";
+  EXPECT_EQ(RequestOf(message), 1U);
+  Write(bootstrap::kControlPrivilege, 0);
+  const auto end = std::chrono::steady_clock::now();
+  device_.reset();  // does not wait for the acknowledge
+  EXPECT_LT(std::chrono::steady_clock::now() - end, std::chrono::milliseconds(kLongMs / 2));
 }
 
 TEST_F(GigeDeviceTest, ControlThatGoesEndsTheAcquisition) {

@@ -1,6 +1,9 @@
 // A program that nobody here wrote, tshark, takes our packets apart: all kinds are there, and none is malformed.
+#include <poll.h>
 #include <unistd.h>
 
+#include <array>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -8,8 +11,11 @@
 
 #include "PacketCapture.h"
 #include "SdkFixture.h"
+#include "cameras/Catalog.h"
+#include "gige/ForceIp.h"
 #include "gige/RegisterClient.h"
 #include "gigedevice/BootstrapRegisters.h"
+#include "gigedevice/GigeDevice.h"
 
 namespace {
 
@@ -20,9 +26,16 @@ namespace reg = zyn::gigedevice::reg;
 
 constexpr zyn::gige::Ipv4 kLoopback{0x7F000001};
 // tshark's names of what it reads, and of what it complains about.
-constexpr const char* kFields[] = {"gvcp.cmd.command", "gvcp.ack",       "gvcp.cmd.status",
-                                   "gvsp.format",      "gvsp.status",    "gvsp.payloadtype",
-                                   "gvsp.blockid16",   "gvsp.blockid64", "gvsp.flag.packetresend"};
+constexpr const char* kFields[] = {"gvcp.cmd.command",
+                                   "gvcp.ack",
+                                   "gvcp.cmd.status",
+                                   "gvsp.format",
+                                   "gvsp.status",
+                                   "gvsp.payloadtype",
+                                   "gvsp.blockid16",
+                                   "gvsp.blockid64",
+                                   "gvsp.flag.packetresend",
+                                   "gvcp.cmd.event.devicespecificid"};
 constexpr const char* kComplaints[] = {"_ws.malformed", "_ws.expert.severity", "_ws.expert.message"};
 constexpr long kWarning = 0x00600000;  // errors are above, notes below
 
@@ -33,19 +46,20 @@ class DecodedByTshark : public zyntest::SdkFixture {
     SdkFixture::TearDown();
   }
 
-  static std::string PortOf(std::uint32_t address) {
+  static std::string PortOf(std::uint32_t address, zyn::gige::Ipv4 device = kLoopback) {
     std::uint32_t port = 0;
-    const auto client = RegisterClient::Connect(kLoopback, kLoopback, {});
+    const auto client = RegisterClient::Connect(kLoopback, device, {});
     EXPECT_EQ(client->ReadRegister(address, port), zyn::gige::Result::ok);
     return "udp.port==" + std::to_string(port);
   }
 
   // Ends the recording and counts each value of each field. The ports: tshark's syntax.
-  void Decode(const std::string& streamPort) {
+  void Decode(const std::string& streamPort, const std::string& messagePort = "udp.port==3956") {
     capture_->Save(file_);
     std::vector<std::string> command{"tshark", "-n",     "-r", file_.string(),
                                      "-T",     "fields", "-E", "separator=;"};
-    command.insert(command.end(), {"-d", streamPort + ",gvsp", "-Y", "gvcp or gvsp or _ws.malformed"});
+    command.insert(command.end(), {"-d", streamPort + ",gvsp", "-d", messagePort + ",gvcp", "-Y",
+                                   "gvcp or gvsp or _ws.malformed"});
     for (const char* field : kFields) command.insert(command.end(), {"-e", field});
     for (const char* field : kComplaints) command.insert(command.end(), {"-e", field});
     const zyntest::Finished finished = zyntest::RunToEnd(command);
@@ -91,6 +105,13 @@ void SetLineRate(Zyn3DCamera& camera, float rate) {
   ZynNode node;
   ASSERT_EQ(camera.GetNode("AcquisitionLineRate", &node), 0);
   ASSERT_EQ(node.SetFloat(rate), 0);
+}
+
+// Of the register behind a feature.
+std::uint32_t AddressOf(const zyn::cameras::CameraModel& model, const std::string& feature) {
+  const std::string text(model.Description());
+  const std::size_t at = text.find("<Address>", text.find("Name=\"" + feature + "Reg\""));
+  return static_cast<std::uint32_t>(std::strtoul(text.c_str() + at + 9, nullptr, 0));
 }
 
 TEST_F(DecodedByTshark, ControlAndImagesWithShortNumbersAndResend) {
@@ -150,6 +171,51 @@ TEST_F(DecodedByTshark, ProfilesWithTheirImagesAndScans) {
   ASSERT_NO_FATAL_FAILURE(Decode(port));
   ExpectSeen({"gvsp.format=0x01", "gvsp.format=0x02", "gvsp.format=0x03", "gvsp.payloadtype=0x4001",
               "gvsp.payloadtype=0x0004", "gvsp.blockid16=1"});
+}
+
+// libaravis opens no message channel, so a client of our own does.
+TEST_F(DecodedByTshark, EventsAndForcedAddresses) {
+  const auto model = zyn::cameras::MakeCamera("ZS-A640", "SHARK-4");
+  zyn::gigedevice::DeviceSettings settings;
+  settings.ip = kLoopback;
+  settings.mac.bytes = {2, 0, 0, 0, 0, 1};
+  const zyn::gigedevice::GigeDevice device(*model, zyn::cameras::SteadyClock(), settings);
+  const zyn::gige::IpSettings other{{0x7F000002}, {0xFF000000}, {}};
+  EXPECT_EQ(
+      zyn::gige::ForceIp(zyn::gige::ListAdapters().at(0), settings.mac, other, std::chrono::seconds(10)),
+      zyn::gige::ForceIpResult::confirmed);
+
+  const auto client = RegisterClient::Connect(kLoopback, other.ip, {});
+  const auto receiver = zyn::gigedevice::DeviceSocket::BoundTo(kLoopback, 0, false);
+  const auto write = [&](std::uint32_t address, std::uint32_t value) {
+    EXPECT_EQ(client->WriteRegister(address, value), zyn::gige::Result::ok);
+  };
+  write(zyn::gige::bootstrap::kControlPrivilege, zyn::gige::kControlAccess);
+  write(reg::kMessageTimeout, 10'000);
+  write(reg::kMessageDestination, kLoopback.value);
+  write(reg::kMessagePort, receiver->Port());
+  write(AddressOf(*model, "EventNotification"), 1);
+  write(AddressOf(*model, "EventNotification") + 4, 1);
+  write(reg::kStreamDestination, kLoopback.value);
+  write(reg::kStreamPort, receiver->Port() + 1U);
+  write(AddressOf(*model, "AcquisitionStart"), 1);
+  std::uint32_t source = 0;
+  EXPECT_EQ(client->ReadRegister(reg::kMessageSourcePort, source), zyn::gige::Result::ok);
+  for (int event = 0; event < 3; ++event) {
+    std::array<std::uint8_t, 64> message{};
+    pollfd wait{receiver->Descriptor(), POLLIN, 0};
+    ASSERT_EQ(poll(&wait, 1, 10'000), 1);
+    ASSERT_TRUE(receiver->Receive(message));
+    const std::array<std::uint8_t, 8> answer{0, 0, 0,          static_cast<std::uint8_t>(message[3] + 1),
+                                             0, 0, message[6], message[7]};
+    receiver->SendTo({other.ip, static_cast<std::uint16_t>(source)}, answer);
+  }
+  write(zyn::gige::bootstrap::kControlPrivilege, 0);
+  const std::string streamPort = PortOf(reg::kStreamSourcePort, other.ip);
+  ASSERT_NO_FATAL_FAILURE(Decode(streamPort, "udp.port==" + std::to_string(source)));
+  ExpectSeen({"gvcp.cmd.command=0x0004", "gvcp.ack=0x0005", "gvcp.cmd.command=0x00c0", "gvcp.ack=0x00c1",
+              "gvcp.cmd.command=0x00c2", "gvcp.ack=0x00c3", "gvcp.cmd.event.devicespecificid=0x9001",
+              "gvcp.cmd.event.devicespecificid=0x9002"});
 }
 
 }  // namespace

@@ -211,6 +211,31 @@ TEST_F(SimulatorTransport, AllBatchesOfOneScanCarryOneIdentifier) {
   }
 }
 
+TEST_F(SimulatorTransport, EventsOfTheCameraReachWhoRegisteredForThem) {
+  class Receiver final : public INotify {
+   public:
+    void OnNotify(NOTIFY_SRC, NOTIFY_TYPE, const void* data, unsigned long long length) override {
+      const auto* bytes = static_cast<const std::uint8_t*>(data);
+      event.set_value({bytes, bytes + length});
+    }
+    std::promise<std::vector<std::uint8_t>> event;
+  };
+  Configure(R"({"cameras": [{"model": "KEL-LP2000", "serialNumber": "L1", "pacing": "reader"}]})");
+  Receiver receiver;
+  const CameraPtr camera = Open("L1");
+  ASSERT_EQ(camera->RegisterNotify(NOTIFY_SRC_REMOTE_DEVICE, NOTIFY_DEVICE_EVENT, &receiver), RESULT_OK);
+  Set(camera->RemoteDeviceNodeMap(), "EventSelector", "AcquisitionStart");
+  Set(camera->RemoteDeviceNodeMap(), "EventNotification", "On");
+  ASSERT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);
+  std::future<std::vector<std::uint8_t>> event = receiver.event.get_future();
+  ASSERT_EQ(event.wait_for(std::chrono::milliseconds(kWaitMs)), std::future_status::ready);
+  const std::vector<std::uint8_t> item = event.get();
+  ASSERT_EQ(item.size(), 16U);
+  EXPECT_EQ(item[2] * 256 + item[3],
+            Feature<GenApi_3_4::IInteger>(camera->RemoteDeviceNodeMap(), "EventAcquisitionStart").GetValue());
+  EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+}
+
 TEST_F(SimulatorTransport, DamagedFramesAreInvalid) {
   Configure(kOne);
   const CameraPtr camera = Open("L1");
