@@ -32,7 +32,7 @@ Frame TakeFrame(Camera& camera) {
 class EventsOf : public testing::TestWithParam<const char*> {};
 
 INSTANTIATE_TEST_SUITE_P(Kinds, EventsOf, testing::Values("ZS-A640", "KEL-LP1000F"),
-                         [](const auto& info) { return info.index == 0 ? "Area" : "Laser"; });
+                         [](const auto& one) { return one.index == 0 ? "Area" : "Laser"; });
 
 TEST_P(EventsOf, ACameraReportsWhatWasSwitchedOn) {
   Camera camera(GetParam());

@@ -45,6 +45,14 @@ class VirtualCameraOptions : public zyntest::SdkFixture {
     ASSERT_EQ(image.Height(), 48);
     EXPECT_EQ(WrongPixels(image), 0);
   }
+  // libaravis hears packets of other cameras until its filter stands: they may damage the very first image.
+  static void ExpectRampSoon(ZynCamera& camera) {
+    ZynImage image;
+    const long status = camera.GrabImage(&image, nullptr);
+    if (status == ZYN_ERROR_INVALID_FRAME) return ExpectRamp(camera);
+    ASSERT_EQ(status, 0);
+    EXPECT_EQ(WrongPixels(image), 0);
+  }
   static void GrabAFewRamps(ZynCamera& camera) {
     ASSERT_EQ(camera.StartGrab(ZYN_GRAB_ONE_BY_ONE, 0), 0);
     for (int i = 0; i < 5; ++i) ASSERT_NO_FATAL_FAILURE(ExpectRamp(camera)) << "image " << i;
@@ -144,6 +152,7 @@ TEST_F(VirtualCameraOptions, OneProgramIsManyCamerasThatStreamSideBySide) {
     ASSERT_NO_FATAL_FAILURE(Open(cameras[i], serials[i]));
     ASSERT_NO_FATAL_FAILURE(ShowMovingRamp(cameras[i]));
     ASSERT_EQ(cameras[i].StartGrab(ZYN_GRAB_ONE_BY_ONE, 0), 0);
+    ASSERT_NO_FATAL_FAILURE(ExpectRampSoon(cameras[i]));
   }
   for (int round = 0; round < 10; ++round) {
     for (ZynCamera& camera : cameras) ASSERT_NO_FATAL_FAILURE(ExpectRamp(camera)) << "round " << round;
