@@ -8,8 +8,9 @@ packages=(
   g++ clang-14 clang-format-14 clang-tidy-14 libclang-rt-14-dev cmake ninja-build pkg-config git
   # libraries; libaravis-dev's pkg-config file asks for libusb and zlib without pulling them in
   libaravis-dev libusb-1.0-0-dev zlib1g-dev libpugixml-dev libzip-dev libhwy-dev libpng-dev libcli11-dev nlohmann-json3-dev
-  # tests, measurements, the fake GigE Vision camera, a judge of packets, private network namespaces
-  libgtest-dev libgmock-dev libbenchmark-dev aravis-tools aravis-tools-cli tshark iproute2 util-linux procps
+  # tests, measurements, the fake GigE Vision camera, a judge of packets, private network namespaces, a language with a
+  # decimal comma
+  libgtest-dev libgmock-dev libbenchmark-dev aravis-tools aravis-tools-cli tshark iproute2 util-linux procps locales
 )
 
 missing=()

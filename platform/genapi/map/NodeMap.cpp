@@ -108,29 +108,44 @@ void NodeMap::InvalidateNodes() const {
   FireOutside(callbacks);
 }
 
+// A node whose block cannot be read does not keep the others from being polled.
+std::vector<NodeId> NodeMap::CollectDue(int64_t elapsedTime, std::exception_ptr& failure) {
+  std::vector<NodeId> due;
+  for (std::size_t i = 0; i < description_->polled.size(); ++i) {
+    try {
+      Node& node = At(description_->polled[i]);
+      if (!node.WantsPolling() || IsPollingBlocked(node)) continue;
+      if (elapsedTime < node.GetPollingTime() - pollingElapsed_[i]) {
+        pollingElapsed_[i] += elapsedTime;
+        continue;
+      }
+      pollingElapsed_[i] = 0;
+      due.push_back(node.Id());
+    } catch (...) {  // a port may throw anything
+      if (!failure) failure = std::current_exception();
+    }
+  }
+  return due;
+}
+
+bool NodeMap::IsPollingBlocked(const Node& node) const {
+  const NodeId id = node.Link(Element::pBlockPolling);
+  return id != kNoNode && IsReadable(At(id).Access()) && At(id).IsTrue();
+}
+
 void NodeMap::Poll(int64_t ElapsedTime) {
   std::vector<CNodeCallback*> callbacks;
+  std::exception_ptr failure;
   {
     const AutoLock lock(lock_);
     evaluations_ = 0;
-    std::vector<NodeId> due;
-    for (std::size_t i = 0; i < description_->polled.size(); ++i) {
-      Node& node = At(description_->polled[i]);
-      if (!node.WantsPolling()) continue;
-      const NodeId blocker = node.Link(Element::pBlockPolling);
-      if (blocker != kNoNode && IsReadable(At(blocker).Access()) && At(blocker).IntegerValue({}) != 0)
-        continue;
-      pollingElapsed_[i] += ElapsedTime;
-      if (pollingElapsed_[i] < node.GetPollingTime()) continue;
-      pollingElapsed_[i] = 0;
-      due.push_back(node.Id());
-    }
-    if (due.empty()) return;
+    const std::vector<NodeId> due = CollectDue(std::max<int64_t>(ElapsedTime, 0), failure);
     for (const NodeId id : due) InvalidateClosure(id);
-    CollectCallbacks(due, callbacks);
+    if (!due.empty()) CollectCallbacks(due, callbacks);
     FireInside(callbacks);
   }
   FireOutside(callbacks);
+  if (failure) std::rethrow_exception(failure);
 }
 
 // Callbacks
@@ -359,7 +374,7 @@ void NodeMap::GetLoadNotes(gcstring_vector& Notes) const {
 
 std::string NodeMap::EntryPoint() const {
   if (!entryNode_ || !entryMethod_) return {};
-  return std::string(XmlName(entryNode_->Kind())) + "." + entryMethod_ + "()";
+  return std::string(entryNode_->Name()) + "." + entryMethod_ + "()";
 }
 
 }  // namespace zyn::genapi

@@ -2,6 +2,7 @@
 #ifndef ZYN_GENAPI_MAP_NODEMAP_H
 #define ZYN_GENAPI_MAP_NODEMAP_H
 
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -82,7 +83,7 @@ class NodeMap final : public INodeMap,
   /// Forgets the state of every node. Allocates nothing and throws nothing.
   void ForgetEverything() const;
 
-  /// "Class.Method()" of the outermost call, for messages.
+  /// "Node.Method()" of the outermost call, for messages.
   std::string EntryPoint() const;
 
   CallbackRunner& Callbacks() const { return runner_; }
@@ -94,6 +95,9 @@ class NodeMap final : public INodeMap,
   friend class WriteCall;
   friend class DepthGuard;
 
+  /// Lets time pass for the polled nodes and returns those whose time is over. `failure` becomes the first exception.
+  std::vector<NodeId> CollectDue(int64_t elapsedTime, std::exception_ptr& failure);
+  bool IsPollingBlocked(const Node& node) const;
   /// Nothing, when callbacks are suppressed or there are none.
   void CollectCallbacks(const std::vector<NodeId>& changed, std::vector<CNodeCallback*>& callbacks) const;
   bool ConsumeSuppression() const;

@@ -20,6 +20,8 @@ class BooleanNode final : public ValueNode<IBoolean> {
   void WriteReal(double value, bool verify) override { WriteTruth(value != 0, verify); }
   std::int64_t IntegerMin() override { return 0; }
   std::int64_t IntegerMax() override { return 1; }
+  double RealMin() override { return 0; }
+  double RealMax() override { return 1; }
   gcstring TextValue(ReadMode read) override { return Read(read) ? "1" : "0"; }
   void WriteText(const gcstring& text, bool verify) override;
 

@@ -30,9 +30,10 @@ bool CommandNode::StillBusy() {
   return At(target_).IntegerValue({false, true}) == CommandValue();
 }
 
+// A command that is not available is one that the device is perhaps still busy with.
 bool CommandNode::IsDone(bool) {
   WriteCall call(*this, "IsDone");
-  RequireAvailable();
+  if (!IsImplemented(Access())) RequireAvailable();
   const bool finishes = busy_ && !StillBusy();
   if (!finishes) {
     const bool done = !busy_;

@@ -182,7 +182,9 @@ IEnumEntry* EnumerationNode::GetEntry(int64_t IntValue) {
 
 IEnumEntry* EnumerationNode::GetCurrentEntry(bool Verify, bool IgnoreCache) {
   const Call call(*this, "GetCurrentEntry");
-  return FindEntry(RawValue({Verify, IgnoreCache}));
+  IEnumEntry* const entry = FindEntry(RawValue({Verify, IgnoreCache}));
+  if (Verify) CheckError();
+  return entry;
 }
 
 }  // namespace zyn::genapi

@@ -28,6 +28,8 @@ class EnumerationNode final : public ValueNode<IEnumeration> {
   /// The entry's numeric value, rounded.
   std::int64_t IntegerValue(ReadMode read) override;
   double RealValue(ReadMode read) override;
+  /// By the value that the device holds, not by the numeric value of its entry.
+  bool IsTrue() override { return RawValue({}) != 0; }
   /// Both choose the available entry whose numeric value is nearest.
   void WriteInteger(std::int64_t value, bool verify) override;
   void WriteReal(double value, bool verify) override;

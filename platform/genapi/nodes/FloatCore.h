@@ -34,6 +34,7 @@ class FloatCore : public ValueNode<IFloat> {
 
   std::int64_t IntegerValue(ReadMode read) override;
   double RealValue(ReadMode read) override;
+  bool IsTrue() override { return RealValue({}) != 0; }
   void WriteInteger(std::int64_t value, bool verify) override;
   void WriteReal(double value, bool verify) override;
   /// Rounded; the limits of the type when there are none.

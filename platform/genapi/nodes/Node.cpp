@@ -142,7 +142,7 @@ EAccessMode Node::ConditionAccess() {
       mode = NA;
       continue;
     }
-    const bool isSet = condition.IntegerValue({}) != 0;
+    const bool isSet = condition.IsTrue();
     if (element == Element::pIsImplemented && !isSet) return NI;
     if (element == Element::pIsAvailable && !isSet) mode = Combine(mode, NA);
     if (element == Element::pIsLocked && isSet) mode = Combine(mode, RO);
@@ -435,7 +435,8 @@ void Node::GetChildren(NodeList_t& Children, ELinkType LinkType) const {
     bool belongs = isReading;
     if (LinkType == ctWritingChildren) belongs = IsWritingLink(property.element);
     if (LinkType == ctInvalidatingChildren) belongs = isReading || property.element == Element::pInvalidator;
-    if (LinkType == ctValueChangingChildren) belongs = isReading && !IsCondition(property.element);
+    if (LinkType == ctValueChangingChildren)
+      belongs = isReading && !IsCondition(property.element) && !IsLimit(property.element);
     if (belongs) add(property.Target());
   }
   if (LinkType != ctInvalidatingChildren) return;
@@ -589,7 +590,9 @@ EDisplayNotation Node::NotationOf() {
   return static_cast<EDisplayNotation>(Number(Element::displayNotation, fnAutomatic));
 }
 std::int64_t Node::PrecisionOf() {
-  return Number(Element::displayPrecision, 6);
+  constexpr std::int64_t kUsual = 6;
+  const std::int64_t own = Number(Element::displayPrecision, kUsual);
+  return own < 0 ? kUsual : own;
 }
 gcstring Node::TextValue(ReadMode) {
   ZYN_THROW(RuntimeException, "Node has no value.");

@@ -109,6 +109,8 @@ class Node : public INode, public ISelector, public IUserData {
   virtual bool IsIntegerKind() const { return false; }
   virtual std::int64_t IntegerValue(ReadMode read);
   virtual double RealValue(ReadMode read);
+  /// As a condition: any number but zero counts.
+  virtual bool IsTrue() { return IntegerValue({}) != 0; }
   virtual void WriteInteger(std::int64_t value, bool verify);
   virtual void WriteReal(double value, bool verify);
   virtual std::int64_t IntegerMin();

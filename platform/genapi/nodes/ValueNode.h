@@ -17,7 +17,9 @@ class ValueNode : public Node, virtual public Interface {
 
   gcstring ToString(bool Verify, bool IgnoreCache) override {
     const Call call(*this, "ToString");
-    return TextValue({Verify, IgnoreCache});
+    gcstring text = TextValue({Verify, IgnoreCache});
+    if (Verify) CheckError();
+    return text;
   }
 
   void FromString(const gcstring& ValueStr, bool Verify) override {

@@ -61,15 +61,21 @@ std::optional<std::int64_t> ParseHex(std::string_view text) {
   return static_cast<std::int64_t>(bits);
 }
 
-std::string FormatWithDigits(double value, EDisplayNotation notation, int digits) {
+std::chars_format FormatOf(EDisplayNotation notation) {
   switch (notation) {
     case fnFixed:
-      return Print("%.*f", digits, value);
+      return std::chars_format::fixed;
     case fnScientific:
-      return Print("%.*e", digits, value);
+      return std::chars_format::scientific;
     default:
-      return Print("%.*g", digits, value);
+      return std::chars_format::general;
   }
+}
+
+// Unlike printf this writes a point in every language.
+std::string FormatWithDigits(double value, EDisplayNotation notation, int digits) {
+  char text[512];
+  return {text, std::to_chars(text, text + sizeof(text), value, FormatOf(notation), digits).ptr};
 }
 
 }  // namespace
@@ -125,7 +131,11 @@ std::string FormatReal(double value, EDisplayNotation notation, std::int64_t pre
 
 std::optional<double> ParseRealText(std::string_view text) {
   text = SkipBlanks(text);
-  if (!text.empty() && text[0] == '+') text.remove_prefix(1);
+  const bool hasSign = !text.empty() && (text[0] == '+' || text[0] == '-');
+  const std::string_view digits = text.substr(hasSign ? 1 : 0);
+  const bool isHex = digits.substr(0, 2) == "0x" || digits.substr(0, 2) == "0X";
+  if (isHex || digits.empty() || digits[0] == '-') return std::nullopt;
+  if (text[0] == '+') text = digits;
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error != std::errc() || !std::isfinite(value)) return std::nullopt;

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -54,7 +53,7 @@ gcstring ExactText(IValue& value) {
   auto* const real = dynamic_cast<IFloat*>(&value);
   if (!real) return text;
   const double exact = real->GetValue();
-  if (!std::isfinite(exact) || std::strtod(text.c_str(), nullptr) == exact) return text;
+  if (!std::isfinite(exact) || zyn::genapi::ParseReal(View(text)) == exact) return text;
   char digits[64];
   const auto end = std::to_chars(digits, digits + sizeof(digits), exact);
   return {digits, static_cast<size_t>(end.ptr - digits)};

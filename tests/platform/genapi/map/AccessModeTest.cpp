@@ -16,7 +16,11 @@ std::string Targets() {
          "<Integer Name=\"NotNow\"><Value>1</Value><pIsAvailable>False</pIsAvailable></Integer>"
          "<Integer Name=\"False\"><Value>0</Value></Integer>"
          "<Boolean Name=\"Truth\"><Value>true</Value></Boolean>"
-         "<Float Name=\"Tiny\"><Value>0.4</Value></Float>";
+         "<Float Name=\"Tiny\"><Value>0.4</Value></Float><Float Name=\"Huge\"><Value>1e30</Value></Float>"
+         "<Enumeration Name=\"OneCountsZero\"><EnumEntry Name=\"A\"><Value>1</Value>"
+         "<NumericValue>0</NumericValue></EnumEntry><Value>1</Value></Enumeration>"
+         "<Enumeration Name=\"ZeroCountsOne\"><EnumEntry Name=\"A\"><Value>0</Value>"
+         "<NumericValue>1</NumericValue></EnumEntry><Value>0</Value></Enumeration>";
 }
 
 struct AccessRow {
@@ -41,6 +45,11 @@ TEST(AccessMode, ConditionsRestrictIt) {
       {"<pIsLocked>Truth</pIsLocked>", RO},
       {"<pIsLocked>Zero</pIsLocked>", RW},
       {"<pIsLocked>Never</pIsLocked>", NI},
+      // any number but zero, and of an enumeration the value that the device holds
+      {"<pIsLocked>Tiny</pIsLocked>", RO},
+      {"<pIsLocked>Huge</pIsLocked>", RO},
+      {"<pIsLocked>OneCountsZero</pIsLocked>", RO},
+      {"<pIsLocked>ZeroCountsOne</pIsLocked>", RW},
       {"<pIsLocked>NotNow</pIsLocked>", NA},
       {"<pIsImplemented>NotNow</pIsImplemented><pIsAvailable>Never</pIsAvailable>", NI},
       {"<pMin>NotNow</pMin>", NA},
@@ -162,7 +171,7 @@ TEST(AccessMode, ErrorsNameTheNodeAndTheCall) {
     FAIL();
   } catch (const AccessException& error) {
     EXPECT_STREQ(error.GetDescription(), "Node is not writable.");
-    EXPECT_NE(std::string(error.what()).find("thrown in node 'I' while calling 'Integer.SetValue()'"),
+    EXPECT_NE(std::string(error.what()).find("thrown in node 'I' while calling 'I.SetValue()'"),
               std::string::npos)
         << error.what();
   }
