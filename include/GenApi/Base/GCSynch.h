@@ -24,6 +24,9 @@ class GCBASE_API CLock {
   std::recursive_mutex m_Mutex;
 };
 
+/// A lock that other code may derive from.
+class GCBASE_API CLockEx : public CLock {};
+
 /// Holds a lock for one scope.
 class GCBASE_API AutoLock {
  public:
@@ -34,6 +37,29 @@ class GCBASE_API AutoLock {
 
  private:
   CLock& m_Lock;
+};
+
+/// Base of objects that carry a lock of their own.
+template <class Object>
+class LockableObject {
+ public:
+  /// Holds the object's lock for one scope.
+  class Lock {
+   public:
+    explicit Lock(const LockableObject& obj) : m_Lock(obj.m_Lock) { m_Lock.Lock(); }
+    ~Lock() { m_Lock.Unlock(); }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+   private:
+    CLock& m_Lock;
+  };
+  friend class Lock;
+
+  CLock& GetLock() const { return m_Lock; }
+
+ private:
+  mutable CLock m_Lock;
 };
 
 }  // namespace GENICAM_NAMESPACE

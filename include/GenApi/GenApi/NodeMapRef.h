@@ -30,16 +30,17 @@ class CGeneric_XMLLoaderParams {
 template <class TCameraParams>
 class CNodeMapRefT : public TCameraParams {
  public:
-  explicit CNodeMapRefT(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
+  CNodeMapRefT(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
       : _Ptr(nullptr), m_DeviceName(DeviceName) {}
   /// Takes the map over.
-  explicit CNodeMapRefT(INodeMap* pNodeMap, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
+  CNodeMapRefT(INodeMap* pNodeMap, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
       : _Ptr(nullptr), m_DeviceName(DeviceName) {
     Attach(std::shared_ptr<INodeMap>(pNodeMap, &Delete));
   }
   CNodeMapRefT(const CNodeMapRefT& Them) : TCameraParams(), _Ptr(nullptr), m_DeviceName(Them.m_DeviceName) {
     Attach(Them.m_Owner);
   }
+  virtual ~CNodeMapRefT() {}
   CNodeMapRefT& operator=(const CNodeMapRefT& Them) {
     m_DeviceName = Them.m_DeviceName;
     Attach(std::shared_ptr<INodeMap>(Them.m_Owner));
@@ -143,9 +144,9 @@ class CNodeMapRefT : public TCameraParams {
 /// A node map whose features are looked up by name.
 class CNodeMapRef : public CNodeMapRefT<CGeneric_XMLLoaderParams> {
  public:
-  explicit CNodeMapRef(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
+  CNodeMapRef(const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
       : CNodeMapRefT<CGeneric_XMLLoaderParams>(DeviceName) {}
-  explicit CNodeMapRef(INodeMap* pNodeMap, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
+  CNodeMapRef(INodeMap* pNodeMap, const GENICAM_NAMESPACE::gcstring& DeviceName = "Device")
       : CNodeMapRefT<CGeneric_XMLLoaderParams>(pNodeMap, DeviceName) {}
 
   CNodeMapRef& operator=(INodeMap* pNodeMap) {

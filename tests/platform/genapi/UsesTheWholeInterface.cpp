@@ -1,6 +1,7 @@
 // Names every class and function of the interface that applications use, compiled as C++11. It also builds
 // against another runtime of the same interface.
 #include <fstream>
+#include <sstream>
 #include <string>
 
 #include "GenApi/ChunkAdapter.h"
@@ -53,6 +54,15 @@ void UseStrings() {
   Use(gcstring::npos == GCSTRING_NPOS && gcstring::_npos() == GCSTRING_NPOS && text.empty());
   const std::string copy(static_cast<const char*>(text));
   Use(copy + text.c_str());
+  const gcstring constant("c");
+  Use((constant += constant) + (constant += 'x') + ("x" + constant) + (constant + constant));
+  std::stringstream stream;
+  stream << constant;
+  stream >> text;
+  GenICam::getline(stream, text);
+  GenICam::getline(stream, text, ';');
+  gcstring* const dynamic = new gcstring(constant);
+  delete dynamic;
 
   gcstring_vector list(2, "x");
   list.assign(1, "y");
@@ -68,6 +78,10 @@ void UseStrings() {
   list.at(0) = list[0];
   list.front() = list.back();
   for (gcstring_vector::const_iterator it = list.begin(); it != list.end(); ++it) Use(*it);
+  gcstring_vector::iterator position = list.insert(list.end(), "e");
+  position = list.erase(position);
+  Use(position - list.begin() > 0 && position == list.begin() + 1 && position[-1] == list[0]);
+  list = gcstring_vector(list);
   Use(list.contains("x") || list.empty() || list.size() + list.capacity() + list.max_size() == 0);
   list.clear();
 }
@@ -100,6 +114,10 @@ void UseExceptions() {
         throw TIMEOUT_EXCEPTION("x");
       case 10:
         throw DYNAMICCAST_EXCEPTION("x");
+      case 11:
+        throw GenICam::ExceptionReporter<GenICam::AccessException>("file", 1).Report(std::stringstream("x"));
+      case 12:
+        throw GenICam::GenericException("x", "file", 1U, "I.SetValue()", "I", "GenericException");
       default:
         break;
     }
@@ -140,6 +158,15 @@ void UseNode(INode& node) {
   CNodeUserDataPtr data(&node);
   data->SetUserData(data->GetUserData());
   Use(GetInterfaceName(&node));
+  const CPointer<INode> pointer(&node);
+  CPointer<INode> other;
+  other = &node;
+  Use(pointer == &node || pointer == other || other == 0 || !pointer.IsValid());
+  INode* const plain = pointer;
+  Use(pointer().GetName() + (*pointer).GetName() + pointer->GetName() + plain->GetName());
+  if (other) Use(IsReadable(other) || IsWritable(other) || IsImplemented(other) || IsAvailable(other));
+  Use(IsReadable(RW) || IsWritable(RW) || IsAvailable(RW) || IsReadable(node) || IsImplemented(node) ||
+      IsAvailable(node) || IsWritable(&node) || IsImplemented(&node) || IsAvailable(&node));
   Use(Combine(RW, RO) == RO && Combine(Guru, Expert) == Guru && Combine(NoCache, WriteThrough) == NoCache);
   Use(IsVisible(Expert, Guru) && IsCacheable(WriteAround) && IsReadable(&node) && IsWritable(node) &&
       IsImplemented(RO) && IsAvailable(selector));
@@ -203,6 +230,29 @@ void UseValues(INodeMap& map) {
   FeatureList_t features;
   category->GetFeatures(features);
   Use(CBasePtr(category).IsValid() && CNodePtr(category) == 0);
+  FeatureList_t list(2);
+  list.assign(2, nullptr);
+  list.insert(list.begin(), value);
+  list.insert(0, value);
+  list.erase(list.begin());
+  list.erase(0);
+  list.resize(3, value);
+  list.reserve(4);
+  list.pop_back();
+  list.at(0) = list[0];
+  list.front() = list.back();
+  Use(list.empty() || list.size() + list.capacity() + list.max_size() == 0);
+  entries.resize(2);
+  entries.assign(1, nullptr);
+  entries.push_back(nullptr);
+  for (NodeList_t::const_iterator it = entries.begin(); it != entries.end(); ++it) Use(*it);
+  entries = NodeList_t(entries);
+  double_autovector_t numbers(2);
+  numbers[0] = 1;
+  const double_autovector_t shared(numbers);
+  numbers = shared;
+  int64_autovector_t none;
+  none = int64_autovector_t(1);
 }
 
 void UseMap(INodeMap& map, IPort* port, IPortStacked* stacked) {
@@ -232,6 +282,7 @@ void UseMap(INodeMap& map, IPort* port, IPortStacked* stacked) {
   Use(info->GetModelName() + info->GetVendorName() + info->GetToolTip() + info->GetStandardNameSpace() +
       info->GetProductGuid() + info->GetVersionGuid());
   CNodeMapUserDataPtr(&map)->SetUserData(nullptr);
+  Use(CNodeMapPtr(&map)->GetNumNodes());
   CLock& lock = map.GetLock();
   if (lock.TryLock()) lock.Unlock();
   const AutoLock guard(lock);
@@ -401,13 +452,20 @@ class CameraParams : public CGeneric_XMLLoaderParams {
   CCommandRef Start;
   CCategoryRef Root;
   CEnumEntryRef Entry;
+  CEnumerationRef Mode;
+  CBaseRef Base;
+  CValueRef Value;
+  CSelectorRef Selector;
+  CPortStackedRef Stacked;
+  CPortRecorderRef Recorder;
   CEnumerationTRef<Format> PixelFormat;
   CPortRef Device;
 
  protected:
   void _Initialize(INodeMap* map) override {
-    IReference* const references[] = {&Width, &Gain, &Reverse, &Id,     &Lut,
-                                      &Start, &Root, &Entry,   &Device, &PixelFormat};
+    IReference* const references[] = {&Width, &Gain,     &Reverse, &Id,          &Lut,  &Start,
+                                      &Root,  &Entry,    &Device,  &PixelFormat, &Mode, &Base,
+                                      &Value, &Selector, &Stacked, &Recorder};
     for (IReference* const reference : references) reference->SetReference(map->GetNode("x"));
     PixelFormat.SetNumEnums(2);
     PixelFormat.SetEnumReference(Mono8, "Mono8");
@@ -426,6 +484,12 @@ void UseReferences() {
   camera.Reverse = true;
   camera.Id = "x";
   camera.Start();
+  IEnumReference& names = camera.PixelFormat;
+  names.SetNumEnums(1);
+  Use(IsReadable(&camera.Base) || camera.Selector.IsSelector() || camera.Gain.GetEnumAlias() == nullptr);
+  Use(camera.Value.ToString() + camera.Mode.ToString());
+  camera.Stacked.Write(static_cast<PORT_REGISTER_STACK_ENTRY*>(nullptr), 0);
+  camera.Recorder.StopRecording();
   Use(camera.Width.GetFloatAlias() == nullptr && camera.Gain.GetIntAlias() == nullptr);
 }
 
@@ -475,9 +539,42 @@ void UseFactories(const void* data, size_t size) {
   Use(map._ConcatenatedWrite(writes));
   writes->Destroy();
   map._Destroy();
+  CNodeMapFactory copied(factory);
+  copied = CNodeMapFactory(gcstring("<RegisterDescription/>"), CacheUsage_ForceWrite);
+  map = copied.CreateNodeMap();
+  CNodeMapRef shared(map);
+  shared = map;
+  const CNodeMapRef named("Device");
+  Use(shared._Ptr == map._Ptr && named._Ptr == nullptr);
+}
+
+// Functions that give a camera from what they have.
+CNodeMapRef MapOf(INodeMap* map) {
+  return map;
 }
 
 class Lockable : public LockableObject<Lockable> {};
+class BaseLockable : public GenICam::LockableObject<BaseLockable> {};
+
+void UseLocks() {
+  CLockEx lock;
+  GenICam::CLockEx baseLock;
+  if (baseLock.TryLock()) baseLock.Unlock();
+  const AutoLock guard(lock);
+  const GenICam::AutoLock baseGuard(baseLock);
+  const Lockable object;
+  const Lockable::Lock objectGuard(object);
+  const BaseLockable baseObject;
+  const BaseLockable::Lock baseObjectGuard(baseObject);
+}
+
+// Steps through anything that has values.
+void UseDigit(ISelectorDigit& digit) {
+  FeatureList_t selectors;
+  for (bool more = digit.SetFirst(); more; more = digit.SetNext()) Use(digit.ToString());
+  digit.GetSelectorList(selectors);
+  digit.Restore();
+}
 
 }  // namespace
 
@@ -497,6 +594,8 @@ void UseTheWholeInterface(uint8_t* buffer) {
   UsePersistence(*camera._Ptr);
   UseAdapters(*camera._Ptr, buffer, 10);
   UseFiles(camera._Ptr);
-  Lockable object;
-  const Lockable::Lock lock(object);
+  UseLocks();
+  CSelectorSet set(camera._GetNode("x"));
+  UseDigit(set);
+  Use(MapOf(camera._Ptr)._Ptr);
 }
