@@ -11,6 +11,8 @@ packages=(
   # tests, measurements, the fake GigE Vision camera, a judge of packets, private network namespaces, a language with a
   # decimal comma
   libgtest-dev libgmock-dev libbenchmark-dev aravis-tools aravis-tools-cli tshark iproute2 util-linux procps locales
+  # virtual USB3 Vision cameras
+  umockdev libumockdev-dev
 )
 
 missing=()
