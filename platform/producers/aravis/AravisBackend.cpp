@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include "GevInterface.h"
+#include "U3vInterface.h"
 
 namespace zyn::aravis {
 namespace {
@@ -29,7 +30,7 @@ producer::ProducerInfo AravisBackend::Info() const {
   info.vendor = "Zyn";
   info.model = "ZynTL";
   info.version = "1.0.0";
-  info.displayName = "GigE Vision cameras";
+  info.displayName = "GigE Vision and USB3 Vision cameras";
   info.tlType = GENTL_TLTYPE_MIXED;
   return info;
 }
@@ -37,10 +38,12 @@ producer::ProducerInfo AravisBackend::Info() const {
 std::vector<producer::InterfaceInfo> AravisBackend::FindInterfaces(std::chrono::milliseconds) {
   std::vector<producer::InterfaceInfo> interfaces;
   for (const gige::Adapter& adapter : gige::ListAdapters()) interfaces.push_back(DescribeAdapter(adapter));
+  interfaces.push_back(DescribeUsb());
   return interfaces;
 }
 
 std::unique_ptr<producer::Interface> AravisBackend::OpenInterface(const producer::InterfaceInfo& info) {
+  if (info.tlType == GENTL_TLTYPE_U3V) return std::make_unique<U3vInterface>(disposer_);
   return std::make_unique<GevInterface>(info.displayName, disposer_);
 }
 

@@ -1,4 +1,4 @@
-/// The producer as a whole: the network adapters of this computer.
+/// The producer as a whole: the network adapters and the USB of this computer.
 #ifndef ZYN_ARAVIS_ARAVIS_BACKEND_H
 #define ZYN_ARAVIS_ARAVIS_BACKEND_H
 

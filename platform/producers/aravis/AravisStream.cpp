@@ -26,10 +26,23 @@ constexpr int kStartWatchRounds = 200;
 
 }  // namespace
 
+void DeviceLink::MarkLost() {
+  isLost = true;
+  const MutexLock lock(streamMutex);
+  if (stream != nullptr) stream->OnDeviceLost();
+}
+
 AravisStream::AravisStream(DeviceLink& link, Disposer& disposer, producer::StreamSink& sink)
-    : link_(link), disposer_(disposer), sink_(sink) {}
+    : link_(link), disposer_(disposer), sink_(sink) {
+  const MutexLock lock(link_.streamMutex);
+  link_.stream = this;
+}
 
 AravisStream::~AravisStream() {
+  {
+    const MutexLock lock(link_.streamMutex);
+    link_.stream = nullptr;
+  }
   Stop(true);
 }
 
@@ -58,7 +71,7 @@ void AravisStream::Start() {
     isAccepting_ = true;
   }
   try {
-    startWatch_ = std::thread([this] { WatchStart(); });
+    watch_ = std::thread([this] { link_.hasPacketSocket ? WatchStart() : WatchDevice(); });
   } catch (const std::system_error&) {
     Stop(true);
     throw producer::Error(GenTL::GC_ERR_RESOURCE_EXHAUSTED, "The system has no thread left.");
@@ -72,6 +85,7 @@ GlibPtr<ArvStream> AravisStream::CreateStream() {
   GlibPtr<ArvStream> stream(
       arv_device_create_stream(link_.device.get(), &AravisStream::OnEvent, this, error.Out()));
   if (!stream) error.Throw("The stream of " + link_.name + " cannot be opened");
+  if (!link_.hasPacketSocket) return stream;
   // Without these the system's small default buffer loses most of a fast stream, and lost packets stay lost.
   g_object_set(stream.get(), "socket-buffer", ARV_GV_STREAM_SOCKET_BUFFER_AUTO, "packet-resend",
                ARV_GV_STREAM_PACKET_RESEND_ALWAYS, nullptr);
@@ -168,8 +182,9 @@ void AravisStream::OnFrameDone(ArvBuffer* buffer) {
     const std::uint64_t wireId = arv_buffer_get_frame_id(buffer);
     const bool hasLeader = wireId != kNoFrameId;
     const bool sawOverflow = SawOverflow(source);
-    producer::FrameInfo info = hasLeader ? TranslateFrame(buffer, owner.Size(), payloadSize_, sawOverflow)
-                                         : DescribeUnknownFrame(payloadSize_);
+    producer::FrameInfo info =
+        hasLeader ? TranslateFrame(buffer, {owner.Size(), payloadSize_, sawOverflow, link_.chunkTrailers})
+                  : DescribeUnknownFrame(payloadSize_);
     const FrameCounter::Step step = hasLeader ? counter_.Next(wireId) : counter_.NextUnnumbered();
     info.frameId = step.id;
     if (step.lost > 0) sink_.CountUnderruns(step.lost);
@@ -179,8 +194,9 @@ void AravisStream::OnFrameDone(ArvBuffer* buffer) {
   }
 }
 
-// libaravis counts packets that did not fit, and says no more about them.
+// Of network packets that did not fit libaravis only counts how many; USB frames that did not fit it marks itself.
 bool AravisStream::SawOverflow(ArvStream* source) {
+  if (!link_.hasPacketSocket) return false;
   const std::uint64_t overflows = arv_stream_get_info_uint64_by_name(source, "n_size_mismatch_errors");
   const bool isMore = overflows != overflows_;
   overflows_ = overflows;
@@ -206,6 +222,24 @@ void AravisStream::WatchStart() {
   }
 }
 
+// The receiving thread of a USB camera that is gone asks for data again and again, as fast as the system can refuse.
+void AravisStream::WatchDevice() {
+  GlibPtr<ArvStream> stream;
+  {
+    MutexLock lock(mutex_);
+    while (isAccepting_ && !link_.isLost) lock.Wait(stopped_);
+    if (!isAccepting_) return;
+    isAccepting_ = false;
+    stream = std::move(stream_);
+  }
+  stream.reset();
+}
+
+void AravisStream::OnDeviceLost() {
+  const MutexLock lock(mutex_);
+  stopped_.notify_all();
+}
+
 // A buffer without a frame may also be one that was given up just now and is about to be handed over. Its memory goes
 // on in a new object, so that the hand-over of the old one can be told from it and is ignored.
 void AravisStream::RecoverSwallowed() {
@@ -227,16 +261,18 @@ void AravisStream::RecoverSwallowed() {
 }
 
 void AravisStream::Stop(bool kill) {
+  bool isStarted = false;
   {
     const MutexLock lock(mutex_);
     isAccepting_ = false;
     stopped_.notify_all();
   }
-  if (startWatch_.joinable()) startWatch_.join();
+  if (watch_.joinable()) watch_.join();
   {
     const MutexLock lock(mutex_);
-    if (!stream_) return;
+    isStarted = stream_ != nullptr;
   }
+  if (!isStarted) return GiveBackRest();  // there is a rest when the receiving ended with its device
   if (!kill && !link_.isLost) WaitForFramesInProgress();
   GlibPtr<ArvStream> stream;
   {

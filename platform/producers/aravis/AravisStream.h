@@ -20,13 +20,24 @@
 
 namespace zyn::aravis {
 
+class AravisStream;
+
 /// What a stream needs of its device. Owned by the device, which outlives its streams.
 struct DeviceLink {
+  /// Sets isLost, and lets the open stream end by itself. Any thread; does not block.
+  void MarkLost() ZYN_EXCLUDES(streamMutex);
+
+  // Constant while streams are open.
   std::string name;  ///< for messages
   GlibPtr<ArvDevice> device;
+  producer::ChunkTrailers chunkTrailers = producer::ChunkTrailers::bigEndian;
+  bool hasPacketSocket = true;  ///< frames come over the network
+
   std::atomic<bool> isLost{false};
   /// libaravis' own feature engine bears one thread at a time.
   Mutex engineMutex;
+  Mutex streamMutex;  // before that of the stream
+  AravisStream* stream ZYN_GUARDED_BY(streamMutex) = nullptr;
 };
 
 /// One acquisition after another, each with an ArvStream of its own, so that no packet of an earlier one comes up in a
@@ -52,11 +63,15 @@ class AravisStream final : public producer::Stream {
     bool isInside = false;  // queued in the ArvStream, or being filled
   };
 
+  friend struct DeviceLink;
+  void OnDeviceLost() ZYN_EXCLUDES(mutex_);
+
   static void OnEvent(void* self, ArvStreamCallbackType type, ArvBuffer* buffer);
   void OnFrameBegins();
   void OnFrameDone(ArvBuffer* buffer);
   void OnThreadEnd();
   void WatchStart() ZYN_EXCLUDES(mutex_);
+  void WatchDevice() ZYN_EXCLUDES(mutex_);
   void RecoverSwallowed() ZYN_REQUIRES(mutex_);
 
   GlibPtr<ArvStream> CreateStream();
@@ -92,8 +107,8 @@ class AravisStream final : public producer::Stream {
   // Buffers taken back from libaravis, kept until its thread has ended: it may yet name one of them.
   std::vector<GlibPtr<ArvBuffer>> retired_ ZYN_GUARDED_BY(mutex_);
   std::condition_variable stopped_;
-  std::thread
-      startWatch_;  // runs from Start to the first frame, or to Stop; used by the caller of these only
+  // Runs from Start to the first frame or the loss of the device, or to Stop; used by the caller of these only.
+  std::thread watch_;
 };
 
 }  // namespace zyn::aravis

@@ -102,7 +102,8 @@ FrameInfo DescribeUnknownFrame(std::size_t payloadSize) {
   return info;
 }
 
-FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t payloadSize, bool sawOverflow) {
+FrameInfo TranslateFrame(ArvBuffer* buffer, const FrameCircumstances& circumstances) {
+  const auto [capacity, payloadSize, sawOverflow, chunkTrailers] = circumstances;
   FrameInfo info;
   // libaravis gives nanoseconds, whatever the camera's ticks are.
   info.timestamp = arv_buffer_get_timestamp(buffer);
@@ -129,7 +130,7 @@ FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t pa
           arv_buffer_has_chunks(buffer) != FALSE ||
           arv_buffer_get_payload_type(buffer) == ARV_BUFFER_PAYLOAD_TYPE_EXTENDED_CHUNK_DATA;
       if (hasChunks) {
-        info.chunkTrailers = producer::ChunkTrailers::bigEndian;
+        info.chunkTrailers = chunkTrailers;
       } else {
         DescribeDeliveredHeight(layout, info);
       }
@@ -139,12 +140,12 @@ FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t pa
     }
     case ARV_BUFFER_PAYLOAD_TYPE_CHUNK_DATA:
       info.payloadType = PAYLOAD_TYPE_CHUNK_DATA;
-      info.chunkTrailers = producer::ChunkTrailers::bigEndian;
+      info.chunkTrailers = chunkTrailers;
       break;
     case ARV_BUFFER_PAYLOAD_TYPE_MULTIPART:
       info.payloadType = PAYLOAD_TYPE_MULTI_PART;
       if (info.incomplete) break;
-      if (arv_buffer_has_chunks(buffer) != FALSE) info.chunkTrailers = producer::ChunkTrailers::bigEndian;
+      if (arv_buffer_has_chunks(buffer) != FALSE) info.chunkTrailers = chunkTrailers;
       DescribeParts(buffer, capacity, info);
       break;
     case ARV_BUFFER_PAYLOAD_TYPE_RAWDATA:

@@ -10,11 +10,18 @@
 
 namespace zyn::aravis {
 
-/// Everything but the frame's number. `capacity`: bytes of the buffer's memory. `payloadSize`: bytes the camera
-/// said it would send, 0 when unknown. `sawOverflow`: libaravis has cut data off since the frame before; it calls
-/// such frames complete.
-producer::FrameInfo TranslateFrame(ArvBuffer* buffer, std::size_t capacity, std::size_t payloadSize,
-                                   bool sawOverflow);
+/// What is known about a frame beside what libaravis tells.
+struct FrameCircumstances {
+  std::size_t capacity = 0;     ///< bytes of the buffer's memory
+  std::size_t payloadSize = 0;  ///< bytes the camera said it would send, 0 when unknown
+  bool sawOverflow =
+      false;  ///< libaravis has cut data off since the frame before; it calls such frames complete
+  producer::ChunkTrailers chunkTrailers =
+      producer::ChunkTrailers::bigEndian;  ///< how this camera writes them
+};
+
+/// Everything but the frame's number.
+producer::FrameInfo TranslateFrame(ArvBuffer* buffer, const FrameCircumstances& circumstances);
 
 /// A frame whose leader got lost: nothing is known but that it should have been there.
 producer::FrameInfo DescribeUnknownFrame(std::size_t payloadSize);
