@@ -47,6 +47,13 @@ struct ScanOptions {
   int timeoutMs = 5000;      ///< per frame of the scan
 };
 
+struct CheckProducerOptions {
+  std::string file;               ///< the .cti file
+  std::vector<std::string> only;  ///< names of checks; empty for all
+  bool list = false;              ///< only tell which checks there are
+  int timeoutMs = 30000;          ///< per check
+};
+
 void ListCameras(Console& console, const CommonOptions& common);
 void ShowInfo(Console& console, const CommonOptions& common);
 void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options);
@@ -62,6 +69,9 @@ void WatchCameras(Console& console, const CommonOptions& common);
 
 /// The same for the profiles of a 3D camera.
 bool GrabProfiles(Console& console, const CommonOptions& common, const ProfileOptions& options);
+
+/// Puts a GenTL producer through the rules that consumers rely on. Returns whether no check failed.
+bool CheckProducerFile(Console& console, const CommonOptions& common, const CheckProducerOptions& options);
 
 /// Grabs one scan of a 3D camera. Returns false when it was interrupted.
 bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& options);

@@ -38,10 +38,15 @@ struct CommandLine {
   GrabOptions grab;
   ProfileOptions profile;
   ScanOptions scan;
+  CheckProducerOptions check;
   bool showTrace = false;
   bool simulate = false;
-  std::function<bool(Console&)> verb;  ///< returns false when it was interrupted
+  std::function<int(Console&)> verb;  ///< returns an exit code
 };
+
+int ExitOf(bool wentToTheEnd) {
+  return wentToTheEnd ? kExitOk : kExitInterrupted;
+}
 
 void AddJson(CLI::App* verb, CommandLine& line) {
   verb->add_flag("--json", line.common.json, "Print the result as JSON");
@@ -66,7 +71,7 @@ void AddList(CLI::App& app, CommandLine& line) {
   verb->callback([&line] {
     line.verb = [&line](Console& console) {
       ListCameras(console, line.common);
-      return true;
+      return kExitOk;
     };
   });
 }
@@ -77,7 +82,7 @@ void AddInfo(CLI::App& app, CommandLine& line) {
   verb->callback([&line] {
     line.verb = [&line](Console& console) {
       ShowInfo(console, line.common);
-      return true;
+      return kExitOk;
     };
   });
 }
@@ -93,7 +98,7 @@ void AddFeatures(CLI::App& app, CommandLine& line) {
   verb->callback([&line] {
     line.verb = [&line](Console& console) {
       ShowFeatures(console, line.common, line.features);
-      return true;
+      return kExitOk;
     };
   });
 }
@@ -107,7 +112,7 @@ CLI::App* AddAccess(CLI::App& app, CommandLine& line, const char* name, const ch
   verb->callback([&line, run] {
     line.verb = [&line, run](Console& console) {
       run(console, line.common, line.access);
-      return true;
+      return kExitOk;
     };
   });
   return verb;
@@ -143,7 +148,7 @@ void AddGrab(CLI::App& app, CommandLine& line) {
                    "How long to wait for each image, in milliseconds (5000)")
       ->check(CLI::Range(1, 3600000));
   verb->callback([&line] {
-    line.verb = [&line](Console& console) { return GrabImages(console, line.common, line.grab); };
+    line.verb = [&line](Console& console) { return ExitOf(GrabImages(console, line.common, line.grab)); };
   });
 }
 
@@ -157,7 +162,9 @@ void AddProfile(CLI::App& app, CommandLine& line) {
                    "How long to wait for each profile, in milliseconds (5000)")
       ->check(CLI::Range(1, 3600000));
   verb->callback([&line] {
-    line.verb = [&line](Console& console) { return GrabProfiles(console, line.common, line.profile); };
+    line.verb = [&line](Console& console) {
+      return ExitOf(GrabProfiles(console, line.common, line.profile));
+    };
   });
 }
 
@@ -173,7 +180,7 @@ void AddScan(CLI::App& app, CommandLine& line) {
                    "How long to wait for each part of the scan, in milliseconds (5000)")
       ->check(CLI::Range(1, 3600000));
   verb->callback([&line] {
-    line.verb = [&line](Console& console) { return GrabScan(console, line.common, line.scan); };
+    line.verb = [&line](Console& console) { return ExitOf(GrabScan(console, line.common, line.scan)); };
   });
 }
 
@@ -183,7 +190,27 @@ void AddWatch(CLI::App& app, CommandLine& line) {
   verb->callback([&line] {
     line.verb = [&line](Console& console) {
       WatchCameras(console, line.common);
-      return true;
+      return kExitOk;
+    };
+  });
+}
+
+void AddCheckProducer(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand(
+      "check-producer",
+      "Put a GenTL producer through the rules that consumers rely on; exit code 1 when one fails");
+  verb->add_option("FILE", line.check.file, "The producer's .cti file");
+  verb->add_option("-c,--camera", line.common.camera,
+                   "Device ID or serial number (the first that can be opened)");
+  verb->add_option("--only", line.check.only, "Names of the checks to run (all)");
+  verb->add_flag("--list", line.check.list, "Only tell which checks there are");
+  verb->add_option("-t,--timeout", line.check.timeoutMs,
+                   "How long a check may take before the producer counts as hanging, in milliseconds (30000)")
+      ->check(CLI::Range(1000, 3600000));
+  AddJson(verb, line);
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      return CheckProducerFile(console, line.common, line.check) ? kExitOk : kExitFailed;
     };
   });
 }
@@ -206,7 +233,7 @@ int ReportFailure(Console& console, const CommandLine& line, const Failure& fail
 int RunVerb(Console& console, const CommandLine& line) {
   try {
     if (line.simulate) AddSimulatedCameras();
-    return line.verb(console) ? kExitOk : kExitInterrupted;
+    return line.verb(console);
   } catch (const Failure& failure) {
     return ReportFailure(console, line, failure);
   } catch (const GenICam_3_4::GenericException& error) {
@@ -239,6 +266,7 @@ int Run(int argc, char** argv) {
   AddProfile(app, line);
   AddScan(app, line);
   AddWatch(app, line);
+  AddCheckProducer(app, line);
   // The flags before the verb take no values.
   char** const end = argv + argc;
   char** const verb = std::find_if(argv + 1, end, [](const char* word) { return word[0] != '-'; });
