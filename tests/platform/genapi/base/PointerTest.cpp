@@ -27,6 +27,34 @@ TEST(Pointer, DereferencingNullThrows) {
   EXPECT_FALSE(IsImplemented(static_cast<IBase*>(nullptr)));
 }
 
+TEST(Pointer, BecomesEmptyWhenTheNodeIsOfAnotherKind) {
+  CNodeMapRef camera;
+  camera._LoadXMLFromString(
+      "<RegisterDescription><Integer Name=\"I\"><pCastAlias>F</pCastAlias><Value>1</Value></Integer>"
+      "<Float Name=\"F\"><pCastAlias>I</pCastAlias><Value>1</Value></Float></RegisterDescription>");
+  CIntegerPtr pointer(camera._GetNode("I"));
+  EXPECT_TRUE(pointer.IsValid());
+  EXPECT_TRUE(pointer == dynamic_cast<IInteger*>(camera._GetNode("I")));
+  EXPECT_TRUE(IsWritable(pointer));
+  EXPECT_EQ(pointer().GetValue() + (*pointer).GetValue(), 2);
+  pointer = camera._GetNode("F");
+  EXPECT_FALSE(pointer.IsValid());
+  EXPECT_FALSE(pointer);
+  CFloatPtr real(camera._GetNode("F"));
+  EXPECT_EQ(real.GetIntAlias(), dynamic_cast<IInteger*>(camera._GetNode("I")));
+  EXPECT_EQ(real.GetEnumAlias(), nullptr);
+  real = camera._GetNode("I");
+  EXPECT_THROW(real.GetIntAlias(), GenICam::LogicalErrorException);
+}
+
+TEST(Visibility, ShowsWhatIsNotMoreSecretThanAllowed) {
+  EXPECT_TRUE(IsVisible(Beginner, Expert));
+  EXPECT_TRUE(IsVisible(Guru, Guru));
+  EXPECT_FALSE(IsVisible(Invisible, Guru));
+  EXPECT_FALSE(IsCacheable(NoCache));
+  EXPECT_TRUE(IsCacheable(WriteAround));
+}
+
 TEST(CombineAccessModes, FollowsTheTable) {
   const EAccessMode table[5][5] = {{NI, NI, NI, NI, NI},
                                    {NI, NA, NA, NA, NA},

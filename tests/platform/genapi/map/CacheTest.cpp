@@ -138,6 +138,30 @@ TEST(Cache, AddressesAreSums) {
   EXPECT_EQ(camera.As<IRegister>("ByNode").GetAddress(), 0x30);
 }
 
+// Places are told apart by address and length; descriptions say with pInvalidator where they overlap.
+TEST(Cache, RegistersThatOverlapDoNotSeeEachOther) {
+  Camera camera(Register("IntReg", "Whole", 0x10, 4) + Register("IntReg", "Part", 0x12, 2) +
+                Register("IntReg", "Told", 0x12, 1, "<pInvalidator>Whole</pInvalidator>"));
+  EXPECT_EQ(camera.Integer("Part").GetValue(), 0);
+  EXPECT_EQ(camera.Integer("Told").GetValue(), 0);
+  camera.Integer("Whole").SetValue(0x01020304);
+  EXPECT_EQ(camera.Integer("Part").GetValue(), 0);
+  EXPECT_EQ(camera.Integer("Told").GetValue(), 2);
+}
+
+TEST(Cache, LengthsMayComeFromNodes) {
+  Camera camera(
+      Register("IntReg", "Count", 0x10, 1) +
+      "<StringReg Name=\"S\"><Address>0x20</Address><pLength>Count</pLength><AccessMode>RW</AccessMode>"
+      "<pPort>Device</pPort></StringReg>");
+  camera.port.Set(0x10, {3});
+  camera.port.Set(0x20, {'a', 'b', 'c', 'd'});
+  EXPECT_EQ(camera.Text("S"), "abc");
+  camera.Integer("Count").SetValue(4);
+  EXPECT_EQ(camera.Text("S"), "abcd");
+  EXPECT_EQ(camera.As<IRegister>("S").GetLength(), 4);
+}
+
 TEST(Cache, InvalidatorsForgetWhatTheyInvalidate) {
   Camera camera(Register("IntReg", "Trigger", 0x10, 1) +
                 Register("IntReg", "Status", 0x11, 1, "<pInvalidator>Trigger</pInvalidator>") +

@@ -56,6 +56,62 @@ TEST_F(Callbacks, FireForEverythingThatChangesInsideOnesFirst) {
   EXPECT_NE(std::find(calls.begin(), calls.end(), "S in"), calls.end());
 }
 
+// What is told is that something was done, not that a value became another.
+TEST(CallbackRuns, FollowEveryKindOfChangeOnceEach) {
+  Camera camera(zyn::genapi::test::Register("IntReg", "R", 0x10, 1) +
+                "<Integer Name=\"Over\"><pValue>R</pValue><Max>20</Max><pValueCopy>R</pValueCopy></Integer>"
+                "<Command Name=\"C\"><pValue>R</pValue><CommandValue>3</CommandValue></Command>"
+                "<Integer "
+                "Name=\"Told\"><pInvalidator>R</pInvalidator><pInvalidator>Over</pInvalidator><Value>1</"
+                "Value></Integer>"
+                "<Integer Name=\"OfTold\"><pValue>Told</pValue></Integer>");
+  int calls = 0;
+  const CallbackHandleType handle = GenApi::Register(&camera.Node("OfTold"), [&](INode*) { ++calls; });
+  const auto expectOne = [&](const char* what) {
+    EXPECT_EQ(calls, 1) << what;
+    calls = 0;
+  };
+  camera.Integer("Over").SetValue(0);
+  expectOne("the value it had, in two places");
+  camera.Integer("R").SetValue(300, false);
+  expectOne("unchecked");
+  camera.Value("Over").FromString("7");
+  expectOne("as text");
+  const uint8_t byte = 1;
+  camera.As<IRegister>("R").Set(&byte, 1);
+  expectOne("as bytes");
+  camera.As<ICommand>("C").Execute();
+  expectOne("command");
+  camera.Node("R").InvalidateNode();
+  expectOne("invalidation");
+  EXPECT_THROW(camera.Integer("Over").SetValue(21), OutOfRangeException);
+  EXPECT_THROW(camera.Integer("Told").FromString("x"), InvalidArgumentException);
+  camera.Integer("R").GetValue();
+  EXPECT_EQ(calls, 0);
+  Deregister(handle);
+}
+
+TEST(CallbackRuns, AnyKindOfNodeCanBeListenedTo) {
+  Camera camera(
+      "<Category Name=\"Root\"><pFeature>E</pFeature></Category><Integer "
+      "Name=\"Has\"><Value>1</Value></Integer>"
+      "<Enumeration Name=\"E\"><EnumEntry "
+      "Name=\"A\"><Value>0</Value><pIsAvailable>Has</pIsAvailable></EnumEntry>"
+      "<Value>0</Value></Enumeration>" +
+      zyn::genapi::test::Register("IntReg", "R", 0x10, 1));
+  std::string calls;
+  std::vector<CallbackHandleType> handles;
+  for (const char* const name : {"Root", "EnumEntry_E_A", "Device"})
+    handles.push_back(
+        GenApi::Register(&camera.Node(name), [&](INode* node) { calls += node->GetName().c_str()[0]; }));
+  camera.Integer("Has").SetValue(0);
+  EXPECT_EQ(calls, "ER") << "the entry's condition, and the category above";
+  calls.clear();
+  camera.port.InvalidateNode();
+  EXPECT_EQ(calls, "D");
+  for (const CallbackHandleType handle : handles) Deregister(handle);
+}
+
 TEST_F(Callbacks, DoNotFireWhenTheWriteFails) {
   Listen("I", cbPostInsideLock);
   EXPECT_THROW(camera.Integer("I").SetValue(1000), OutOfRangeException);

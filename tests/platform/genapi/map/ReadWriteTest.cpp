@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -271,6 +272,47 @@ TEST(Commands, MayBeAskedWhetherTheyAreDoneWhileTheyAreNotAvailable) {
   camera.As<ICommand>("CC").Execute();
   EXPECT_TRUE(camera.As<ICommand>("CC").IsDone());
   EXPECT_EQ(camera.Text("CC"), "0");
+}
+
+TEST(Commands, AreCheckedAgainstTheirTarget) {
+  Camera camera(Register("IntReg", "R", 0x10, 1) + Register("IntReg", "Number", 0x12, 1) +
+                "<Command Name=\"C\"><pValue>R</pValue><CommandValue>300</CommandValue></Command>"
+                "<Command Name=\"P\"><pValue>R</pValue><pCommandValue>Number</pCommandValue></Command>");
+  EXPECT_THROW(camera.As<ICommand>("C").Execute(), OutOfRangeException);
+  EXPECT_TRUE(camera.As<ICommand>("C").IsDone()) << "it did not start";
+  EXPECT_NO_THROW(camera.As<ICommand>("C").Execute(false));
+  EXPECT_EQ(camera.port.bytes[0x10], 300 - 256);
+  camera.Integer("Number").SetValue(9);
+  camera.Value("P").FromString("true");
+  EXPECT_EQ(camera.port.bytes[0x10], 9);
+}
+
+struct SlopeRow {
+  const char* slope;
+  double min, max;
+};
+
+TEST(Converters, TakeTheirLimitsFromTheSlopeTheyName) {
+  constexpr double kMax = std::numeric_limits<double>::max();
+  const SlopeRow rows[] = {
+      {"Increasing", 20, 200}, {"Decreasing", 200, 20}, {"Automatic", 20, 200}, {"Varying", -kMax, kMax}};
+  for (const SlopeRow& row : rows) {
+    const std::string inside =
+        "<FormulaTo>FROM/2</FormulaTo><FormulaFrom>TO*2</FormulaFrom><pValue>I</pValue><Slope>" +
+        std::string(row.slope) + "</Slope>";
+    Camera camera(
+        "<Integer Name=\"I\"><Value>10</Value><Min>10</Min><Max>100</Max></Integer>"
+        "<Converter Name=\"C\"><Streamable>Yes</Streamable>" +
+        inside + "</Converter><IntConverter Name=\"IC\">" + inside + "</IntConverter>");
+    EXPECT_EQ(camera.Float("C").GetMin(), row.min) << row.slope;
+    EXPECT_EQ(camera.Float("C").GetMax(), row.max) << row.slope;
+    const bool isUnlimited = row.max == kMax;
+    EXPECT_EQ(camera.Integer("IC").GetMin(), isUnlimited ? INT64_MIN : static_cast<int64_t>(row.min))
+        << row.slope;
+    EXPECT_EQ(camera.Integer("IC").GetMax(), isUnlimited ? INT64_MAX : static_cast<int64_t>(row.max))
+        << row.slope;
+    EXPECT_EQ(camera.Integer("IC").GetInc(), 1);
+  }
 }
 
 TEST(Strings, FillTheirRegister) {
