@@ -81,11 +81,8 @@ ExitCode ExitCodeFor(long status) {
 }  // namespace
 
 Failure Failure::OfStatus(const std::string& what, long status) {
-  Failure failure(ExitCodeFor(status),
-                  what + ": " + MeaningOf(status) + " (status " + std::to_string(status) + ")",
-                  AdviceFor(status));
-  failure.status_ = status;
-  return failure;
+  return {ExitCodeFor(status), what + ": " + MeaningOf(status) + " (status " + std::to_string(status) + ")",
+          AdviceFor(status), status};
 }
 
 const char* MeaningOf(long status) {

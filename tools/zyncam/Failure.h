@@ -21,8 +21,9 @@ enum ExitCode {
 /// Ends a verb. Thrown inside the tool only; main turns it into a message and an exit code.
 class Failure : public std::runtime_error {
  public:
-  Failure(ExitCode exitCode, const std::string& what, const std::string& advice = std::string())
-      : std::runtime_error(what), exitCode_(exitCode), advice_(advice) {}
+  Failure(ExitCode exitCode, const std::string& what, const std::string& advice = std::string(),
+          long status = 0)
+      : std::runtime_error(what), exitCode_(exitCode), status_(status), advice_(advice) {}
 
   /// For a status code of the library: `what` failed with `status`.
   static Failure OfStatus(const std::string& what, long status);
@@ -33,7 +34,7 @@ class Failure : public std::runtime_error {
 
  private:
   ExitCode exitCode_;
-  long status_ = 0;
+  long status_;
   std::string advice_;
 };
 

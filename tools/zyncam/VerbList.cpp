@@ -1,21 +1,16 @@
-#include <algorithm>
-#include <array>
+#include <string>
 #include <vector>
 
 #include "Camera.h"
 #include "CameraJson.h"
 #include "JsonText.h"
+#include "Table.h"
 #include "Verbs.h"
 
 namespace zyncam {
 namespace {
 
-constexpr std::size_t kColumns = 7;
-using Row = std::array<std::string, kColumns>;
-
-std::string OrDash(const std::string& text) {
-  return text.empty() ? "-" : text;
-}
+using Row = std::vector<std::string>;
 
 Row RowOf(const CameraDescription& camera) {
   return {OrDash(camera.serialNumber),
@@ -25,21 +20,6 @@ Row RowOf(const CameraDescription& camera) {
           OrDash(camera.address),
           OrDash(camera.mac),
           camera.status};
-}
-
-void PrintTable(Console& console, const std::vector<Row>& rows) {
-  std::array<std::size_t, kColumns> widths{};
-  for (const Row& row : rows) {
-    for (std::size_t i = 0; i < kColumns; ++i) widths[i] = std::max(widths[i], row[i].size());
-  }
-  for (const Row& row : rows) {
-    std::string line;
-    for (std::size_t i = 0; i < kColumns; ++i) {
-      line += row[i];
-      if (i + 1 < kColumns) line.append(widths[i] - row[i].size() + 2, ' ');
-    }
-    console.Line(line);
-  }
 }
 
 }  // namespace

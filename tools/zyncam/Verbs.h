@@ -54,6 +54,17 @@ struct CheckProducerOptions {
   int timeoutMs = 30000;          ///< per check
 };
 
+struct IpOptions {
+  std::string camera;   ///< whose address; "" for all of them
+  std::string address;  ///< the new one; "" to show what is there
+  std::string mask;     ///< "": that of the adapter
+  std::string gateway;  ///< "": the first address of the network
+  bool persistent = false;
+};
+
+/// Shows the addresses of GigE Vision cameras, or gives one to a camera.
+void ShowOrSetAddress(Console& console, const CommonOptions& common, const IpOptions& options);
+
 void ListCameras(Console& console, const CommonOptions& common);
 void ShowInfo(Console& console, const CommonOptions& common);
 void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options);

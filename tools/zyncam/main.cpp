@@ -39,6 +39,7 @@ struct CommandLine {
   ProfileOptions profile;
   ScanOptions scan;
   CheckProducerOptions check;
+  IpOptions ip;
   bool showTrace = false;
   bool simulate = false;
   std::function<int(Console&)> verb;  ///< returns an exit code
@@ -184,6 +185,27 @@ void AddScan(CLI::App& app, CommandLine& line) {
   });
 }
 
+void AddIp(CLI::App& app, CommandLine& line) {
+  CLI::App* verb = app.add_subcommand("ip", "Show the addresses of GigE Vision cameras, or assign one");
+  AddJson(verb, line);
+  verb->add_option("CAMERA", line.ip.camera, "Serial number, user-defined name, address or MAC address");
+  CLI::Option* address =
+      verb->add_option("ADDRESS", line.ip.address, "The address it gets, for example 192.168.1.50");
+  verb->add_option("--mask", line.ip.mask, "Network mask (that of the adapter)")->needs(address);
+  verb->add_option("--gateway", line.ip.gateway,
+                   "Default gateway; 0.0.0.0 for none (the first address of the network)")
+      ->needs(address);
+  verb->add_flag("--persistent", line.ip.persistent,
+                 "Store the address too: the camera starts with it. Otherwise it lasts until its power goes")
+      ->needs(address);
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      ShowOrSetAddress(console, line.common, line.ip);
+      return kExitOk;
+    };
+  });
+}
+
 void AddWatch(CLI::App& app, CommandLine& line) {
   CLI::App* verb = app.add_subcommand("watch", "Tell of cameras that appear and disappear, until Ctrl-C");
   verb->add_flag("--json", line.common.json, "Print one JSON object per line");
@@ -267,6 +289,7 @@ int Run(int argc, char** argv) {
   AddScan(app, line);
   AddWatch(app, line);
   AddCheckProducer(app, line);
+  AddIp(app, line);
   // The flags before the verb take no values.
   char** const end = argv + argc;
   char** const verb = std::find_if(argv + 1, end, [](const char* word) { return word[0] != '-'; });
