@@ -65,6 +65,10 @@ struct IpOptions {
 /// Shows the addresses of GigE Vision cameras, or gives one to a camera.
 void ShowOrSetAddress(Console& console, const CommonOptions& common, const IpOptions& options);
 
+/// Tells what keeps cameras from working on this computer, and what to do about it. Changes nothing and sends
+/// nothing. Returns false when no camera can work.
+bool ExamineComputer(Console& console, const CommonOptions& common);
+
 void ListCameras(Console& console, const CommonOptions& common);
 void ShowInfo(Console& console, const CommonOptions& common);
 void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options);

@@ -217,6 +217,17 @@ void AddWatch(CLI::App& app, CommandLine& line) {
   });
 }
 
+void AddDoctor(CLI::App& app, CommandLine& line) {
+  CLI::App* verb =
+      app.add_subcommand("doctor", "Tell what keeps cameras from working here; changes and sends nothing");
+  AddJson(verb, line);
+  verb->callback([&line] {
+    line.verb = [&line](Console& console) {
+      return ExamineComputer(console, line.common) ? kExitOk : kExitFailed;
+    };
+  });
+}
+
 void AddCheckProducer(CLI::App& app, CommandLine& line) {
   CLI::App* verb = app.add_subcommand(
       "check-producer",
@@ -290,6 +301,7 @@ int Run(int argc, char** argv) {
   AddWatch(app, line);
   AddCheckProducer(app, line);
   AddIp(app, line);
+  AddDoctor(app, line);
   // The flags before the verb take no values.
   char** const end = argv + argc;
   char** const verb = std::find_if(argv + 1, end, [](const char* word) { return word[0] != '-'; });
