@@ -4,9 +4,8 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
-#include <tuple>
 
+#include "gige/DeviceTable.h"
 #include "gige/UdpSocket.h"
 
 namespace zyn::gige {
@@ -15,10 +14,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::uint16_t kDiscoveryRequest = 0xFFFF;
-// Bounds what a hostile network can make this computer store. Request identifiers of the control questions
-// count from 1 and stay below kDiscoveryRequest.
-constexpr std::size_t kMostDevices = 4096;
 constexpr int kMostDatagramsPerTurn =
     64;  // so that a flood on one adapter cannot hold the loop past its deadline
 constexpr int kControlQuestions = 3;
@@ -31,30 +26,38 @@ struct OpenAdapter {
   UdpSocket socket;
 };
 
-struct Candidate {
-  DiscoveredDevice device;
-  std::size_t openAdapter = 0;
+// When a camera is asked next whether it is controlled, and how often it was.
+struct Asking {
   int questions = 0;
-  Clock::time_point nextQuestion;
+  Clock::time_point next;
+  int changes = 0;  // of the device, when it was asked
 };
 
-// Cameras are told apart by their MAC address and serial number. Virtual ones often have no MAC address; then
-// the IP address stands for it.
-using DeviceKey = std::tuple<MacAddress, Ipv4, std::string>;
+// Adapters without an address, or without a socket, are left out.
+std::vector<OpenAdapter> Open(std::span<const Adapter> adapters) {
+  std::vector<OpenAdapter> open;
+  for (const Adapter& adapter : adapters) {
+    if (adapter.addresses.empty()) continue;
+    if (auto socket = UdpSocket::OnAdapter(adapter)) open.push_back({&adapter, std::move(*socket)});
+  }
+  return open;
+}
 
-DeviceKey KeyOf(const DeviceDescription& device) {
-  return {device.mac, device.mac.IsZero() ? device.ip : kNoAddress, device.serial};
+std::vector<const Adapter*> AdaptersOf(const std::vector<OpenAdapter>& open) {
+  std::vector<const Adapter*> adapters;
+  adapters.reserve(open.size());
+  for (const OpenAdapter& one : open) adapters.push_back(one.adapter);
+  return adapters;
 }
 
 class DiscoveryRun {
  public:
   DiscoveryRun(std::span<const Adapter> adapters, const DiscoveryOptions& options)
-      : start_(Clock::now()), deadline_(start_ + options.duration), askControl_(options.askControl) {
-    for (const Adapter& adapter : adapters) {
-      if (adapter.addresses.empty()) continue;
-      if (auto socket = UdpSocket::OnAdapter(adapter)) open_.push_back({&adapter, std::move(*socket)});
-    }
-  }
+      : start_(Clock::now()),
+        deadline_(start_ + options.duration),
+        askControl_(options.askControl),
+        open_(Open(adapters)),
+        table_(AdaptersOf(open_)) {}
 
   std::vector<DiscoveredDevice> Run() {
     while (!open_.empty() && Clock::now() < deadline_) {
@@ -62,10 +65,7 @@ class DiscoveryRun {
       Wait();
       for (std::size_t i = 0; i < open_.size(); ++i) ReceiveOn(i);
     }
-    std::vector<DiscoveredDevice> devices;
-    devices.reserve(candidates_.size());
-    for (Candidate& candidate : candidates_) devices.push_back(std::move(candidate.device));
-    return devices;
+    return table_.Release();
   }
 
  private:
@@ -76,8 +76,10 @@ class DiscoveryRun {
       ++sent_;
     }
     if (!askControl_) return;
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-      if (IsAsking(candidates_[i]) && candidates_[i].nextQuestion <= now) Ask(i, now);
+    asking_.resize(table_.Devices().size());
+    for (std::size_t i = 0; i < asking_.size(); ++i) {
+      if (asking_[i].changes != table_.ChangesOf(i)) asking_[i] = {0, now, table_.ChangesOf(i)};
+      if (IsAsking(i) && asking_[i].next <= now) Ask(i, now);
     }
   }
 
@@ -91,25 +93,25 @@ class DiscoveryRun {
     }
   }
 
-  static bool IsAsking(const Candidate& candidate) {
-    return candidate.device.control == ControlState::unknown && candidate.questions < kControlQuestions;
+  bool IsAsking(std::size_t index) const {
+    return table_.Devices()[index].control == ControlState::unknown &&
+           asking_[index].questions < kControlQuestions;
   }
 
   void Ask(std::size_t index, Clock::time_point now) {
-    Candidate& candidate = candidates_[index];
-    ++candidate.questions;
-    candidate.nextQuestion = now + kControlPeriod;
-    const auto request = static_cast<std::uint16_t>(index + 1);
-    open_[candidate.openAdapter].socket.SendFrom(candidate.device.adapter.ip, candidate.device.description.ip,
-                                                 kGvcpPort,
-                                                 EncodeReadRegister(request, bootstrap::kControlPrivilege));
+    ++asking_[index].questions;
+    asking_[index].next = now + kControlPeriod;
+    const DiscoveredDevice& device = table_.Devices()[index];
+    open_[table_.AdapterPlaceOf(index)].socket.SendFrom(
+        device.adapter.ip, device.description.ip, kGvcpPort,
+        EncodeReadRegister(DeviceTable::ControlRequestOf(index), bootstrap::kControlPrivilege));
   }
 
   void Wait() {
     Clock::time_point until = deadline_;
     if (sent_ < kSendTimes.size()) until = std::min(until, start_ + kSendTimes[sent_]);
-    for (const Candidate& candidate : candidates_) {
-      if (askControl_ && IsAsking(candidate)) until = std::min(until, candidate.nextQuestion);
+    for (std::size_t i = 0; i < asking_.size(); ++i) {
+      if (IsAsking(i)) until = std::min(until, asking_[i].next);
     }
     std::vector<pollfd> descriptors;
     descriptors.reserve(open_.size());
@@ -127,80 +129,17 @@ class DiscoveryRun {
       if (!received) return;
       const bool isForeign = received->adapterIndex != 0 && received->adapterIndex != open.adapter->index;
       if (received->refused || isForeign) continue;
-      const auto ack = ParseAck(ByteView(buffer).first(received->bytes));
-      if (!ack) continue;
-      if (ack->requestId == kDiscoveryRequest) {
-        HandleDiscovery(openIndex, *ack);
-      } else {
-        HandleControl(openIndex, *ack, received->sender);
-      }
+      table_.Take(openIndex, ByteView(buffer).first(received->bytes), received->sender);
     }
-  }
-
-  void HandleDiscovery(std::size_t openIndex, const Ack& ack) {
-    if (ack.ackId != command::kDiscovery + 1 || ack.status != status::kSuccess) return;
-    auto description = ParseDiscovery(ack.payload);
-    if (!description) return;
-    const auto [place, isNew] = byKey_.try_emplace(KeyOf(*description), candidates_.size());
-    if (isNew && candidates_.size() >= kMostDevices) {
-      byKey_.erase(place);
-      return;
-    }
-    if (isNew) {
-      candidates_.push_back(MakeCandidate(openIndex, std::move(*description)));
-    } else {
-      Refresh(candidates_[place->second], openIndex, std::move(*description));
-    }
-  }
-
-  Candidate MakeCandidate(std::size_t openIndex, DeviceDescription description) const {
-    const Adapter& adapter = *open_[openIndex].adapter;
-    Candidate candidate;
-    candidate.openAdapter = openIndex;
-    candidate.nextQuestion = Clock::now();
-    candidate.device.adapterName = adapter.name;
-    candidate.device.adapterIndex = adapter.index;
-    candidate.device.adapter = adapter.ClosestAddress(description.ip);
-    if (adapter.AddressFor(description.ip) == nullptr) candidate.device.control = ControlState::outOfReach;
-    candidate.device.description = std::move(description);
-    return candidate;
-  }
-
-  // A repeated answer changes nothing, unless the camera has another address by now or is better reached this
-  // way.
-  void Refresh(Candidate& known, std::size_t openIndex, DeviceDescription description) const {
-    const bool isOutOfReach = known.device.control == ControlState::outOfReach;
-    const bool isSameWay = known.openAdapter == openIndex;
-    if (isSameWay && known.device.description == description) return;
-    if (!isSameWay && !isOutOfReach) return;
-    Candidate fresh = MakeCandidate(openIndex, std::move(description));
-    if (!isSameWay && fresh.device.control == ControlState::outOfReach) return;
-    known = std::move(fresh);
-  }
-
-  void HandleControl(std::size_t openIndex, const Ack& ack, Ipv4 sender) {
-    const std::size_t index = static_cast<std::size_t>(ack.requestId) - 1;  // 0 becomes larger than any index
-    if (ack.ackId != command::kReadRegister + 1 || index >= candidates_.size()) return;
-    Candidate& candidate = candidates_[index];
-    if (candidate.openAdapter != openIndex || candidate.device.description.ip != sender) return;
-    if (candidate.device.control != ControlState::unknown) return;
-    if (ack.status == status::kAccessDenied) {  // what an exclusive owner's camera says to everybody else
-      candidate.device.control = ControlState::controlled;
-      return;
-    }
-    const auto value = ParseReadRegister(ack.payload);
-    if (ack.status != status::kSuccess || !value) return;
-    const bool isControlled = (*value & (kExclusiveAccess | kControlAccess)) != 0;
-    candidate.device.control = isControlled ? ControlState::controlled : ControlState::free;
   }
 
   const Clock::time_point start_;
   const Clock::time_point deadline_;
   const bool askControl_;
   std::vector<OpenAdapter> open_;
+  DeviceTable table_;
+  std::vector<Asking> asking_;  // for each device that was there when questions were last sent
   std::size_t sent_ = 0;
-  std::vector<Candidate> candidates_;
-  std::map<DeviceKey, std::size_t> byKey_;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "gige/Reply.h"
 #include "gige/UdpSocket.h"
 
 namespace zyn::gige {
@@ -13,8 +14,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::uint16_t kForceRequest = 0x1001;
-constexpr std::uint16_t kSearchRequest = 0x1002;
 constexpr milliseconds kSearchPeriod{100};
 constexpr int kSearchesPerForce = 5;  // the address is sent again when five searches did not find it in force
 constexpr int kMostForces = 3;
@@ -33,7 +32,7 @@ class ForceIpRun {
             Broadcast(EncodeForceIp(kForceRequest, mac_, settings_.ip, settings_.mask, settings_.gateway));
         if (!isSent && turn == 0) return ForceIpResult::systemError;
       }
-      Broadcast(EncodeDiscovery(kSearchRequest, true));
+      Broadcast(EncodeDiscovery(kForceSearchRequest, true));
       Listen(std::min(deadline, Clock::now() + kSearchPeriod));
       if (isConfirmed_) return ForceIpResult::confirmed;
       // The error may be that of another camera, which does not know the command: an acknowledge does not tell
@@ -66,19 +65,16 @@ class ForceIpRun {
     std::array<std::uint8_t, kLargestDatagram> buffer{};
     const auto received = socket_.Receive(buffer);
     if (!received || received->refused) return;
-    const auto ack = ParseAck(ByteView(buffer).first(received->bytes));
-    if (!ack) return;
-    if (ack->requestId == kForceRequest && ack->ackId == command::kForceIp + 1 &&
-        ack->status != status::kSuccess) {
-      roundsRefused_ = std::max(roundsRefused_, 1);
+    switch (InterpretForceIpReply(ByteView(buffer).first(received->bytes), mac_, settings_)) {
+      case ForceIpReply::none:
+        break;
+      case ForceIpReply::refused:
+        roundsRefused_ = std::max(roundsRefused_, 1);
+        break;
+      case ForceIpReply::confirmed:
+        isConfirmed_ = true;
+        break;
     }
-    if (ack->requestId == kSearchRequest && ack->ackId == command::kDiscovery + 1) Compare(ack->payload);
-  }
-
-  void Compare(ByteView payload) {
-    const auto device = ParseDiscovery(payload);
-    if (!device || device->mac != mac_) return;
-    if (device->ip == settings_.ip && device->mask == settings_.mask) isConfirmed_ = true;
   }
 
   const Adapter& adapter_;

@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 
+#include "gige/Reply.h"
+
 namespace zyn::gige {
 namespace {
 
@@ -16,28 +18,6 @@ constexpr milliseconds kLongestPending{10'000};
 
 bool IsAligned(std::uint32_t address, std::size_t bytes) {
   return address % 4 == 0 && bytes % 4 == 0;
-}
-
-Result ResultOf(std::uint16_t code) {
-  switch (code) {
-    case status::kSuccess:
-      return Result::ok;
-    case status::kNotImplemented:
-      return Result::notImplemented;
-    case status::kInvalidParameter:
-    case status::kBadAlignment:
-      return Result::invalidParameter;
-    case status::kInvalidAddress:
-      return Result::invalidAddress;
-    case status::kWriteProtect:
-      return Result::writeProtected;
-    case status::kAccessDenied:
-      return Result::accessDenied;
-    case status::kBusy:
-      return Result::busy;
-    default:
-      return Result::deviceError;
-  }
 }
 
 // True when the socket has something before `until`.
@@ -144,17 +124,11 @@ RegisterClient::Answer RegisterClient::Attempt(const Bytes& command, std::uint16
     const auto received = socket_.Receive(buffer);
     if (!received) continue;
     if (received->refused) return {Result::nobodyListens, {}};
-    const auto ack = ParseAck(ByteView(buffer).first(received->bytes));
-    if (!ack || ack->requestId != requestId)
-      continue;  // late answers to earlier commands, or no answers at all
-    if (ack->ackId == command::kPendingAck) {
-      const auto more = ParsePendingAck(ack->payload);
-      if (more)
-        until = std::min(Clock::now() + milliseconds{*more}, start + options_.timeout + kLongestPending);
-      continue;
-    }
-    if (ack->ackId != commandId + 1) continue;
-    return {ResultOf(ack->status), Bytes(ack->payload.begin(), ack->payload.end())};
+    const Reply reply = InterpretReply(ByteView(buffer).first(received->bytes), commandId, requestId);
+    if (reply.kind == Reply::Kind::pending)
+      until = std::min(Clock::now() + reply.more, start + options_.timeout + kLongestPending);
+    if (reply.kind == Reply::Kind::answer)
+      return {reply.result, Bytes(reply.payload.begin(), reply.payload.end())};
   }
   return {};
 }

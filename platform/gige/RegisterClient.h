@@ -7,23 +7,10 @@
 #include <span>
 
 #include "ThreadAnnotations.h"
+#include "gige/Result.h"
 #include "gige/UdpSocket.h"
 
 namespace zyn::gige {
-
-enum class Result {
-  ok,
-  noAnswer,          ///< all attempts timed out
-  nobodyListens,     ///< the computer at that address says that there is no device on the port
-  accessDenied,      ///< somebody else controls the device
-  invalidAddress,    ///< no such register
-  writeProtected,    ///< the register cannot be written
-  invalidParameter,  ///< address or length is no multiple of 4, or the device does not like the value
-  busy,              ///< the device asks to try later
-  notImplemented,    ///< the device does not know this command
-  deviceError,       ///< any other error answer, or an answer that makes no sense
-  systemError        ///< the operating system could not send
-};
 
 /// A client of its own in the eyes of the device: registers it takes control with belong to this object's
 /// socket. Thread-safe; commands of several threads follow one another, as the protocol demands.
