@@ -18,6 +18,7 @@ class NoActions final : public gigedevice::DeviceActions {
   void SetStream(const gigedevice::StreamTarget& target) override {
     if (target.packetSize < 100) std::abort();
   }
+  void SetMessages(const gigedevice::MessageTarget& /*target*/) override {}
   void FireTestPacket(const gigedevice::StreamTarget& target) override {
     if (!target.IsOpen()) std::abort();
   }
