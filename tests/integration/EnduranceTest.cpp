@@ -1,9 +1,6 @@
 #include <ZynCamera.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "Chain.h"
 #include "FakeGigeCamera.h"
 #include "ProcessUsage.h"
@@ -35,29 +32,12 @@ void OneRound() {
   EXPECT_EQ(camera.Close(), 0);
 }
 
-/// The usage once what the last close left to a thread in the background is done: when it has come down to `threads`, or
-/// has not changed for a second; after 10 seconds in any case.
-zyntest::ProcessUsage UsageAtRest(std::size_t threads) {
-  zyntest::ProcessUsage usage = zyntest::CurrentUsage();
-  auto unchangedSince = std::chrono::steady_clock::now();
-  const auto deadline = unchangedSince + std::chrono::seconds(10);
-  for (auto now = unchangedSince; now < deadline; now = std::chrono::steady_clock::now()) {
-    const zyntest::ProcessUsage latest = zyntest::CurrentUsage();
-    if (latest.threads != usage.threads || latest.fileDescriptors != usage.fileDescriptors)
-      unchangedSince = now;
-    usage = latest;
-    if (usage.threads == threads || now - unchangedSince > std::chrono::seconds(1)) break;
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
-  return usage;
-}
-
 TEST(Endurance, TwoHundredRoundsOfDiscoverOpenGrabCloseGrowNothing) {
   const zyntest::FakeGigeCamera fake(1);
   for (int i = 0; i < kWarmUpRounds; ++i) ASSERT_NO_FATAL_FAILURE(OneRound()) << "round " << i;
-  const zyntest::ProcessUsage before = UsageAtRest(0);
+  const zyntest::ProcessUsage before = zyntest::UsageAtRest(0);
   for (int i = kWarmUpRounds; i < kRounds; ++i) ASSERT_NO_FATAL_FAILURE(OneRound()) << "round " << i;
-  const zyntest::ProcessUsage after = UsageAtRest(before.threads);
+  const zyntest::ProcessUsage after = zyntest::UsageAtRest(before.threads);
   EXPECT_EQ(after.threads, before.threads);
   EXPECT_EQ(after.fileDescriptors, before.fileDescriptors);
   if (!kFreedMemoryStays) {

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -45,6 +46,21 @@ ProcessUsage CurrentUsage() {
   statm >> total >> residentPages;
   usage.residentKiB = residentPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) / 1024;
   usage.peakResidentKiB = PeakResidentKiB();
+  return usage;
+}
+
+ProcessUsage UsageAtRest(std::size_t threads) {
+  ProcessUsage usage = CurrentUsage();
+  auto unchangedSince = std::chrono::steady_clock::now();
+  const auto deadline = unchangedSince + std::chrono::seconds(10);
+  for (auto now = unchangedSince; now < deadline; now = std::chrono::steady_clock::now()) {
+    const ProcessUsage latest = CurrentUsage();
+    if (latest.threads != usage.threads || latest.fileDescriptors != usage.fileDescriptors)
+      unchangedSince = now;
+    usage = latest;
+    if (usage.threads == threads || now - unchangedSince > std::chrono::seconds(1)) break;
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
   return usage;
 }
 

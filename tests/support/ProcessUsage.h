@@ -16,6 +16,10 @@ struct ProcessUsage {
 /// Read from /proc now.
 ProcessUsage CurrentUsage();
 
+/// The usage once what the last close left to a thread in the background is done: when it has come down to `threads`, or
+/// has not changed for a second; after 10 seconds in any case.
+ProcessUsage UsageAtRest(std::size_t threads);
+
 /// The peak of the resident memory counts from now on.
 void ForgetPeak();
 
