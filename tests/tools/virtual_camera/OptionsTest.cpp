@@ -170,8 +170,17 @@ TEST_F(VirtualCameraOptions, TheClientAsksForLongNumbersAndGetsTheSameImages) {
   ASSERT_NO_FATAL_FAILURE(ShowMovingRamp(camera));
   SetEnum(camera, "GevGVSPExtendedIDMode", "On");
   ASSERT_EQ(camera.StartGrab(ZYN_GRAB_ONE_BY_ONE, 0), 0);
-  // What is lost is asked for with long numbers, too.
-  for (int i = 0; i < 50; ++i) ASSERT_NO_FATAL_FAILURE(ExpectRamp(camera)) << "image " << i;
+  // What is lost is asked for with long numbers, too. Without that a fifth of the images would be damaged; on a busy
+  // machine a packet may come again too late.
+  constexpr int kImages = 100;
+  int whole = 0;
+  ZynImage image;
+  for (int i = 0; i < kImages; ++i) {
+    if (camera.GrabImage(&image, nullptr) != 0) continue;
+    ++whole;
+    ASSERT_EQ(WrongPixels(image), 0) << "image " << i;
+  }
+  EXPECT_GE(whole, kImages * 95 / 100);
   EXPECT_EQ(camera.StopGrab(), 0);
   SetEnum(camera, "GevGVSPExtendedIDMode", "Off");
   ASSERT_NO_FATAL_FAILURE(GrabAFewRamps(camera));
