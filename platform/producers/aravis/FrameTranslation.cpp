@@ -138,6 +138,11 @@ FrameInfo TranslateFrame(ArvBuffer* buffer, const FrameCircumstances& circumstan
       if (layout.imageBytes > capacity) expected = std::max(expected, layout.imageBytes);
       break;
     }
+    case ARV_BUFFER_PAYLOAD_TYPE_NO_DATA:  // of a USB camera that sends nothing but chunks: they are told apart
+      if (arv_buffer_has_chunks(buffer) == FALSE) break;
+      info.payloadType = PAYLOAD_TYPE_CHUNK_DATA;
+      info.chunkTrailers = chunkTrailers;
+      break;
     case ARV_BUFFER_PAYLOAD_TYPE_CHUNK_DATA:
       info.payloadType = PAYLOAD_TYPE_CHUNK_DATA;
       info.chunkTrailers = chunkTrailers;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 #include "cameras/Catalog.h"
@@ -39,6 +40,14 @@ std::string ThreeDigits(int number) {
   return text.data();
 }
 
+// In the folder that stands for the whole machine.
+std::filesystem::path RealPath(const std::string& path) {
+  gchar* const root = umockdev_testbed_get_root_dir(Machine());
+  std::filesystem::path real = root + path;
+  g_free(root);
+  return real;
+}
+
 // The system never gives a number twice in a row.
 int NextDeviceNumber() {
   static int last = 1;
@@ -65,7 +74,8 @@ void OnClosed(UMockdevIoctlBase*, UMockdevIoctlClient* client, gpointer device) 
 class UsbCamera::Port {
  public:
   Port(zyn::cameras::CameraModel& camera, const std::string& guid, int port)
-      : device_(camera, guid),
+      : device_(camera, guid, [this](unsigned number, bool isHeld) { ShowDriver(number, isHeld); }),
+        identity_(camera.GetIdentity()),
         number_(NextDeviceNumber()),
         node_("/dev/bus/usb/001/" + ThreeDigits(number_)),
         name_("1-" + std::to_string(port)) {
@@ -73,6 +83,10 @@ class UsbCamera::Port {
     GError* error = nullptr;
     if (umockdev_testbed_add_from_string(Machine(), Description().c_str(), &error) == FALSE)
       throw std::runtime_error(error->message);
+    for (unsigned number = 0; number < kInterfaces; ++number) {
+      if (umockdev_testbed_add_from_string(Machine(), InterfaceDescription(number).c_str(), &error) == FALSE)
+        throw std::runtime_error(error->message);
+    }
     handler_ = umockdev_ioctl_base_new();
     g_signal_connect(handler_, "handle-ioctl", G_CALLBACK(OnRequest), &device_);
     g_signal_connect(handler_, "client-vanished", G_CALLBACK(OnClosed), &device_);
@@ -82,8 +96,11 @@ class UsbCamera::Port {
   }
 
   ~Port() {
+    Permit();
     device_.Unplug();
     umockdev_testbed_uevent(Machine(), SysPath().c_str(), "remove");
+    for (unsigned number = 0; number < kInterfaces; ++number)
+      umockdev_testbed_remove_device(Machine(), ("/sys" + InterfacePath(number)).c_str());
     umockdev_testbed_remove_device(Machine(), SysPath().c_str());
     umockdev_testbed_detach_ioctl(Machine(), node_.c_str(), nullptr);
     g_signal_handlers_disconnect_by_data(handler_, &device_);
@@ -94,7 +111,45 @@ class UsbCamera::Port {
 
   std::size_t Claims() const { return device_.Claims(); }
 
+  void HoldByAnother() {
+    if (!device_.Hold(this)) throw std::runtime_error("the camera is held by somebody else");
+  }
+  void LetGo() { device_.Close(this); }
+
+  // A folder cannot be opened like a device, whoever asks.
+  void Forbid() {
+    std::filesystem::rename(RealPath(node_), RealPath(node_ + ".real"));
+    std::filesystem::create_directory(RealPath(node_));
+  }
+
  private:
+  void Permit() {
+    if (!std::filesystem::exists(std::filesystem::symlink_status(RealPath(node_ + ".real")))) return;
+    std::filesystem::remove(RealPath(node_));
+    std::filesystem::rename(RealPath(node_ + ".real"), RealPath(node_));
+  }
+
+  // Interfaces that an application has claimed show so in the system's tree.
+  void ShowDriver(unsigned number, bool isHeld) const {
+    std::error_code ignored;  // with the cable everything goes
+    const std::filesystem::path link = RealPath("/sys" + InterfacePath(number) + "/driver");
+    if (isHeld) {
+      std::filesystem::create_symlink("../../../../../../bus/usb/drivers/usbfs", link, ignored);
+    } else {
+      std::filesystem::remove(link, ignored);
+    }
+  }
+
+  std::string InterfacePath(unsigned number) const {
+    return path_ + "/" + name_ + ":1." + std::to_string(number);
+  }
+
+  std::string InterfaceDescription(unsigned number) const {
+    return "P: " + InterfacePath(number) +
+           "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_interface\nA: bInterfaceNumber=0" + std::to_string(number) +
+           "\n";
+  }
+
   std::string SysPath() const { return "/sys" + path_; }
 
   std::string Description() const {
@@ -102,10 +157,13 @@ class UsbCamera::Port {
            "\nE: SUBSYSTEM=usb\nE: DEVTYPE=usb_device\nE: DEVNAME=" + node_ +
            "\nE: BUSNUM=001\nE: DEVNUM=" + ThreeDigits(number_) +
            "\nA: busnum=1\nA: devnum=" + std::to_string(number_) +
-           "\nA: speed=5000\nA: bConfigurationValue=1\nH: descriptors=" + Hex(Descriptors()) + "\n";
+           "\nA: speed=5000\nA: bConfigurationValue=1\nA: manufacturer=" + identity_.vendor +
+           "\nA: product=" + identity_.model + "\nA: serial=" + identity_.serial +
+           "\nH: descriptors=" + Hex(Descriptors()) + "\n";
   }
 
   UsbDevice device_;
+  const zyn::cameras::Identity identity_;
   const int number_;
   const std::string node_;
   const std::string name_;
@@ -134,6 +192,18 @@ void UsbCamera::Unplug() {
   plugged_.reset();
   zyn::gigedevice::CameraFeatures(*camera_)
       .StopAcquisition();  // it has power of its own, but nobody to send to
+}
+
+void UsbCamera::HoldByAnother() {
+  plugged_->HoldByAnother();
+}
+
+void UsbCamera::LetGo() {
+  plugged_->LetGo();
+}
+
+void UsbCamera::Forbid() {
+  plugged_->Forbid();
 }
 
 zyn::cameras::CameraModel& UsbCamera::Model() {

@@ -26,6 +26,13 @@ class UsbCamera {
   void Plug();
   void Unplug();
 
+  /// Another application takes the camera, and gives it back. Only a plugged camera.
+  void HoldByAnother();
+  void LetGo();
+
+  /// The system lets nobody open the camera, until it is plugged in anew.
+  void Forbid();
+
   zyn::cameras::CameraModel& Model();
   std::string Guid() const;
   /// Interfaces that somebody holds.

@@ -35,9 +35,10 @@ std::uint8_t* Buffer(usbdevfs_urb& urb) {
 
 }  // namespace
 
-UsbDevice::UsbDevice(zyn::cameras::CameraModel& camera, std::string guid)
+UsbDevice::UsbDevice(zyn::cameras::CameraModel& camera, std::string guid, OnClaim onClaim)
     : identity_(camera.GetIdentity()),
       guid_(std::move(guid)),
+      onClaim_(std::move(onClaim)),
       registers_(camera),
       source_(camera, [this] { Serve(); }) {}
 
@@ -78,7 +79,15 @@ UsbDevice::Answer UsbDevice::Request(const void* file, unsigned long request, vo
 void UsbDevice::Close(const void* file) {
   const MutexLock lock(mutex_);
   waiting_.remove_if([&](const Transfer& transfer) { return transfer.file == file; });
+  for (const unsigned number : files_[file].claims) onClaim_(number, false);
   files_.erase(file);
+}
+
+bool UsbDevice::Hold(const void* file) {
+  const MutexLock lock(mutex_);
+  bool isHeld = true;
+  for (unsigned number = 0; number < kInterfaces; ++number) isHeld &= Claim(file, number).result == 0;
+  return isHeld;
 }
 
 void UsbDevice::Unplug() {
@@ -104,12 +113,14 @@ UsbDevice::Answer UsbDevice::Claim(const void* file, unsigned number) {
   for (const auto& [id, other] : files_) {
     if (id != file && other.claims.count(number) != 0) return Refuse(EBUSY);
   }
-  files_[file].claims.insert(number);
+  if (files_[file].claims.insert(number).second) onClaim_(number, true);
   return kDone;
 }
 
 UsbDevice::Answer UsbDevice::Release(const void* file, unsigned number) {
-  return files_[file].claims.erase(number) != 0 ? kDone : Refuse(EINVAL);
+  if (files_[file].claims.erase(number) == 0) return Refuse(EINVAL);
+  onClaim_(number, false);
+  return kDone;
 }
 
 UsbDevice::Answer UsbDevice::Submit(const void* file, usbdevfs_urb& urb) {

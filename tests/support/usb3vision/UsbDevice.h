@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <list>
 #include <map>
 #include <optional>
@@ -24,7 +25,10 @@ namespace zyntest::usb3 {
 /// pointers in them are followed as they stand. Thread-safe. The camera must outlive it.
 class UsbDevice {
  public:
-  UsbDevice(zyn::cameras::CameraModel& camera, std::string guid);
+  /// Called when an interface is claimed, and when it is free again; must not call back.
+  using OnClaim = std::function<void(unsigned number, bool isHeld)>;
+
+  UsbDevice(zyn::cameras::CameraModel& camera, std::string guid, OnClaim onClaim);
 
   /// Of a request: what ioctl() returns, and errno when that is -1.
   struct Answer {
@@ -39,6 +43,9 @@ class UsbDevice {
 
   /// The cable is pulled: transfers end, and every request is refused from now on.
   void Unplug() ZYN_EXCLUDES(mutex_);
+
+  /// Claims all interfaces for `file`, as another application would. False when one is taken.
+  bool Hold(const void* file) ZYN_EXCLUDES(mutex_);
 
   /// Interfaces that some file has claimed.
   std::size_t Claims() const ZYN_EXCLUDES(mutex_);
@@ -59,7 +66,6 @@ class UsbDevice {
   Answer Reap(const void* file, void* argument) ZYN_REQUIRES(mutex_);
   Answer Claim(const void* file, unsigned number) ZYN_REQUIRES(mutex_);
   Answer Release(const void* file, unsigned number) ZYN_REQUIRES(mutex_);
-  bool FindText(std::size_t number, Bytes& text) const;
   void Finish(const Transfer& transfer, int status, std::size_t bytes) ZYN_REQUIRES(mutex_);
   void Serve() ZYN_EXCLUDES(mutex_);
   void ServeLocked() ZYN_REQUIRES(mutex_);
@@ -67,6 +73,7 @@ class UsbDevice {
 
   const zyn::cameras::Identity identity_;
   const std::string guid_;
+  const OnClaim onClaim_;
   Registers registers_;
   mutable zyn::Mutex mutex_;  // before those of the registers, of the source and of the camera
   bool isGone_ ZYN_GUARDED_BY(mutex_) = false;

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <future>
 #include <numeric>
 #include <pugixml.hpp>
@@ -80,6 +82,17 @@ std::vector<std::uint8_t> MovingRamp(std::uint64_t frame) {
   std::vector<std::uint8_t> image(kImageBytes);
   for (std::size_t i = 0; i < kImageBytes; ++i) image[i] = static_cast<std::uint8_t>(i % kColumns + frame);
   return image;
+}
+
+// Threads of this process with that name.
+std::ptrdiff_t CountThreads(const std::string& name) {
+  const std::filesystem::directory_iterator tasks("/proc/self/task");
+  return std::count_if(begin(tasks), end(tasks), [&](const auto& task) {
+    std::ifstream file(task.path() / "comm");
+    std::string line;
+    std::getline(file, line);
+    return line == name;
+  });
 }
 
 class U3vBackendTest : public testing::Test {
@@ -163,6 +176,25 @@ TEST_F(U3vBackendTest, FindsCamerasWithAllTheirTexts) {
   EXPECT_FALSE(devices[0].gev);
   EXPECT_EQ(devices[1].serialNumber, "U3V02");
   EXPECT_EQ(devices[1].model, "KEL-LP1000F");
+}
+
+TEST_F(U3vBackendTest, ACameraThatAnotherApplicationHoldsIsBusy) {
+  camera_.HoldByAnother();
+  EXPECT_EQ(Find("U3V01").accessStatus, DEVICE_ACCESS_STATUS_BUSY);
+  EXPECT_EQ(CodeOf([&] { Open(); }), GC_ERR_ACCESS_DENIED);
+  camera_.LetGo();
+  EXPECT_EQ(Find("U3V01").accessStatus, DEVICE_ACCESS_STATUS_READWRITE);
+  EXPECT_EQ(CodeOf([&] { Open(); }), GC_ERR_SUCCESS);
+}
+
+TEST_F(U3vBackendTest, ACameraThatMayNotBeOpenedIsListedWithWhatTheSystemKnows) {
+  camera_.Forbid();
+  const producer::DeviceInfo info = Find("U3V01");
+  EXPECT_EQ(info.accessStatus, DEVICE_ACCESS_STATUS_NOACCESS);
+  EXPECT_EQ(info.id, "ZynCamera Simulation-ZS-A640-U3V01");
+  EXPECT_EQ(info.vendor, "ZynCamera Simulation");
+  EXPECT_EQ(info.model, "ZS-A640");
+  EXPECT_EQ(CodeOf([&] { Open(); }), GC_ERR_ACCESS_DENIED);
 }
 
 TEST_F(U3vBackendTest, DescriptionAndRegistersAreReachable) {
@@ -295,6 +327,23 @@ TEST_F(U3vBackendTest, UnpluggingAnIdleCameraIsReported) {
   EXPECT_EQ(CodeOf([&] { features_.Read(*device, "Width"); }), GC_ERR_IO);
   TestSink sink;
   EXPECT_EQ(CodeOf([&] { device->OpenStream(0, sink); }), GC_ERR_IO);
+}
+
+TEST_F(U3vBackendTest, TheReceiverOfALostCameraEndsBeforeTheStreamIsStopped) {
+  const auto device = Open();
+  UseSmallFrames(*device);
+  TestSink sink;
+  const auto stream = device->OpenStream(0, sink);
+  sink.Announce(kImageBytes);
+  sink.Announce(kImageBytes);
+  stream->Start();
+  EXPECT_EQ(CountThreads("arv_uv_stream"), 1);
+  camera_.Unplug();
+  ASSERT_EQ(listener_->Lost().wait_for(seconds(5)), std::future_status::ready);
+  while (CountThreads("arv_uv_stream") > 0) std::this_thread::yield();
+  stream->OnBuffersQueued();
+  stream->Stop(true);
+  EXPECT_EQ(sink.Taken(), 0U);
 }
 
 TEST_F(U3vBackendTest, ACameraUnpluggedWhileItStreamsComesBack) {
