@@ -12,6 +12,8 @@ namespace zyn::genapi::formula {
 namespace {
 
 constexpr int kMaxNesting = 200;
+// Formulas of 100,000 operators take less.
+constexpr std::size_t kMaxInstructions = 1'000'000;
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t' || c == '\r' || c == '\n';
@@ -79,6 +81,8 @@ class Parser {
     Ternary();
     SkipBlanks();
     if (!rest_.empty()) throw FormulaError(rest_[0] == ')' ? "#Brackets do not match!" : LeftoverMessage());
+    program_.code.shrink_to_fit();
+    program_.constants.shrink_to_fit();
     return std::move(program_);
   }
 
@@ -115,6 +119,7 @@ class Parser {
   }
 
   std::size_t Emit(Op op, std::uint32_t argument = 0) {
+    if (program_.code.size() == kMaxInstructions) throw FormulaError("#Internal error!");
     program_.code.push_back({op, argument});
     return program_.code.size() - 1;
   }

@@ -6,12 +6,16 @@
 
 #include "GenApi/ConcatenatedWrite.h"
 #include "GenApi/GenApiVersion.h"
+#include "formula/Compiler.h"
 #include "map/NodeFactory.h"
 #include "nodes/Node.h"
 #include "nodes/PortNode.h"
 
 namespace zyn::genapi {
 namespace {
+
+// From that many on, what a call has written is looked up rather than searched.
+constexpr std::size_t kFewWritten = 32;
 
 gcstring Copy(const std::string& text) {
   return {text.data(), text.size()};
@@ -66,24 +70,35 @@ uint64_t NodeMap::GetNumNodes() const {
 
 // Invalidation
 
+std::vector<NodeId> NodeMap::Reachable(std::vector<NodeId> from) const {
+  std::vector<bool> seen(nodes_.size(), false);
+  std::erase_if(from, [&seen](NodeId id) {
+    const bool isKnown = seen[id];
+    seen[id] = true;
+    return isKnown;
+  });
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    for (const NodeId next : description_->affected.Of(from[i])) {
+      if (seen[next]) continue;
+      seen[next] = true;
+      from.push_back(next);
+    }
+  }
+  return from;
+}
+
 const std::vector<NodeId>& NodeMap::Closure(NodeId id) const {
   if (closures_[id]) return *closures_[id];
   constexpr std::size_t kLarge = 4096;
-  auto closure = std::make_unique<std::vector<NodeId>>(1, id);
-  std::vector<bool> seen(nodes_.size(), false);
-  seen[id] = true;
-  for (std::size_t i = 0; i < closure->size(); ++i) {
-    for (const NodeId next : description_->affected.Of((*closure)[i])) {
-      if (seen[next]) continue;
-      seen[next] = true;
-      closure->push_back(next);
-    }
-  }
-  if (closure->size() > kLarge) {
-    largeClosure_.swap(*closure);
+  constexpr std::size_t kMaxBytes = std::size_t{16} << 20;
+  std::vector<NodeId> closure = Reachable({id});
+  if (closure.size() > kLarge || closureBytes_ > kMaxBytes) {
+    largeClosure_.swap(closure);
     return largeClosure_;
   }
-  closures_[id] = std::move(closure);
+  closure.shrink_to_fit();
+  closureBytes_ += closure.size() * sizeof(NodeId);
+  closures_[id] = std::make_unique<std::vector<NodeId>>(std::move(closure));
   return *closures_[id];
 }
 
@@ -140,7 +155,9 @@ void NodeMap::Poll(int64_t ElapsedTime) {
     const AutoLock lock(lock_);
     evaluations_ = 0;
     const std::vector<NodeId> due = CollectDue(std::max<int64_t>(ElapsedTime, 0), failure);
-    for (const NodeId id : due) InvalidateClosure(id);
+    EachAffected(due, [this](NodeId id) {
+      if (Node* const node = Existing(id)) node->Forget(true);
+    });
     if (!due.empty()) CollectCallbacks(due, callbacks);
     FireInside(callbacks);
   }
@@ -165,14 +182,12 @@ void NodeMap::CollectCallbacks(const std::vector<NodeId>& changed,
                                std::vector<CNodeCallback*>& callbacks) const {
   if (ConsumeSuppression() || runner_.IsEmpty()) return;
   std::vector<bool> seen(nodes_.size(), false);
-  for (const NodeId id : changed) {
-    for (const NodeId affected : Closure(id)) {
-      if (seen[affected]) continue;
-      seen[affected] = true;
-      const Node* const node = Existing(affected);
-      if (node) callbacks.insert(callbacks.end(), node->Callbacks().begin(), node->Callbacks().end());
-    }
-  }
+  EachAffected(changed, [&](NodeId id) {
+    if (seen[id]) return;
+    seen[id] = true;
+    const Node* const node = Existing(id);
+    if (node) callbacks.insert(callbacks.end(), node->Callbacks().begin(), node->Callbacks().end());
+  });
 }
 
 void NodeMap::CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const {
@@ -238,6 +253,12 @@ bool NodeMap::Connect(IPortStacked* pPort) {
 }
 
 // Formulas and lists of writes
+
+void NodeMap::CountInstructions(std::size_t count) {
+  constexpr std::size_t kMaxInstructions = 6'000'000;
+  if (instructions_ + count > kMaxInstructions) throw formula::FormulaError("#Internal error!");
+  instructions_ += count;
+}
 
 bool NodeMap::ParseSwissKnifes(gcstring_vector* pErrorList) const {
   const AutoLock lock(lock_);
@@ -407,14 +428,15 @@ Call::~Call() {
   map_.lock_.Unlock();
 }
 
-DepthGuard::DepthGuard(const Node& node) : map_(node.Map()) {
+DepthGuard::DepthGuard(const Node& node, std::size_t work) : map_(node.Map()) {
   constexpr int kMaxDepth = 128;
   constexpr int kMaxEvaluations = 1'000'000;
   if (map_.evaluationDepth_ >= kMaxDepth)
     node.Throw<GENICAM_NAMESPACE::RuntimeException>("RuntimeException",
                                                     "Nodes read through each other too deeply at %s",
                                                     map_.Facts().Label(node.Id()).c_str());
-  if (++map_.evaluations_ > kMaxEvaluations)
+  map_.evaluations_ += static_cast<int>(work);
+  if (map_.evaluations_ > kMaxEvaluations)
     node.Throw<GENICAM_NAMESPACE::RuntimeException>("RuntimeException",
                                                     "Nodes read through each other too much at %s",
                                                     map_.Facts().Label(node.Id()).c_str());
@@ -443,7 +465,9 @@ WriteCall::~WriteCall() {
 // first needed, which takes memory; without that memory more is forgotten than has to be, never less.
 void WriteCall::ForgetWritten() noexcept {
   try {
-    for (const NodeId id : written_) map_.InvalidateClosure(id);
+    map_.EachAffected(written_, [this](NodeId id) {
+      if (Node* const node = map_.Existing(id)) node->Forget(true);
+    });
   } catch (const std::bad_alloc&) {
     map_.ForgetEverything();
   }
@@ -458,7 +482,11 @@ void WriteCall::Release() {
 
 void WriteCall::MarkWritten(const Node& node) {
   WriteCall* const write = node.Map().write_;
-  if (write && !write->IsWritten(node.Id())) write->written_.push_back(node.Id());
+  if (!write || write->IsWritten(node.Id())) return;
+  write->written_.push_back(node.Id());
+  if (write->written_.size() == kFewWritten)
+    write->writtenIndex_.insert(write->written_.begin(), write->written_.end());
+  if (write->written_.size() > kFewWritten) write->writtenIndex_.insert(node.Id());
 }
 
 void WriteCall::MarkSibling(NodeMap& map, NodeId node) {
@@ -466,28 +494,25 @@ void WriteCall::MarkSibling(NodeMap& map, NodeId node) {
 }
 
 bool WriteCall::IsWritten(NodeId id) const {
+  if (written_.size() >= kFewWritten) return writtenIndex_.contains(id);
   return std::find(written_.begin(), written_.end(), id) != written_.end();
 }
 
 void WriteCall::Settle() {
-  for (const NodeId id : written_) {
-    for (const NodeId affected : map_.Closure(id)) {
-      Node* const node = map_.Existing(affected);
-      if (!node) continue;
-      // What was written keeps its value; what it may do and may become can have changed with it.
-      if (IsWritten(affected)) {
-        node->ForgetDerived();
-      } else {
-        node->Forget(true);
-      }
+  map_.EachAffected(written_, [this](NodeId id) {
+    Node* const node = map_.Existing(id);
+    if (!node) return;
+    // What was written keeps its value; what it may do and may become can have changed with it.
+    if (IsWritten(id)) {
+      node->ForgetDerived();
+    } else {
+      node->Forget(true);
     }
-  }
-  for (const NodeId id : siblings_) {
-    for (const NodeId affected : map_.Closure(id)) {
-      if (IsWritten(affected)) continue;
-      if (Node* const node = map_.Existing(affected)) node->Forget(false);
-    }
-  }
+  });
+  map_.EachAffected(siblings_, [this](NodeId id) {
+    if (IsWritten(id)) return;
+    if (Node* const node = map_.Existing(id)) node->Forget(false);
+  });
 }
 
 void WriteCall::Commit(bool checkError) {

@@ -5,6 +5,7 @@
 #include <exception>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "GenApi/GenApi.h"
@@ -74,9 +75,24 @@ class NodeMap final : public INodeMap,
   /// Null when the node was never asked for: then it has no state either.
   Node* Existing(NodeId id) const { return nodes_[id].get(); }
 
-  /// The node, and everything that changes with it, directly or not. Worked out once per node; a very large one each
-  /// time, because all of them together would grow with the square of the nodes. Holds until the next call.
+  /// The node, and everything that changes with it, directly or not. Worked out once per node; very large ones and, when
+  /// there are very many, further ones each time, because all of them together would grow with the square of the nodes.
+  /// Holds until the next call.
   const std::vector<NodeId>& Closure(NodeId id) const;
+  /// visit(node) for everything that changes with these nodes and for themselves; of a few nodes maybe more than once.
+  template <class Visit>
+  void EachAffected(const std::vector<NodeId>& changed, const Visit& visit) const {
+    constexpr std::size_t kFew = 8;
+    if (changed.size() > kFew) {
+      for (const NodeId id : Reachable(changed)) visit(id);
+      return;
+    }
+    for (const NodeId id : changed)
+      for (const NodeId affected : Closure(id)) visit(affected);
+  }
+
+  /// Counts the instructions of a compiled formula. Throws FormulaError when all formulas together take too many.
+  void CountInstructions(std::size_t count);
 
   /// Forgets the state of the node and of everything that changes with it.
   void InvalidateClosure(NodeId id) const;
@@ -108,6 +124,8 @@ class NodeMap final : public INodeMap,
   void FireInside(std::vector<CNodeCallback*>& callbacks) const;
   void FireOutside(const std::vector<CNodeCallback*>& callbacks) const;
   void CollectAllCallbacks(std::vector<CNodeCallback*>& callbacks) const;
+  /// These nodes and everything that changes with them, each once.
+  std::vector<NodeId> Reachable(std::vector<NodeId> from) const;
 
   // Constant after construction.
   const std::shared_ptr<const Description> description_;
@@ -119,6 +137,8 @@ class NodeMap final : public INodeMap,
   mutable std::vector<std::unique_ptr<Node>> nodes_;
   mutable std::vector<std::unique_ptr<std::vector<NodeId>>> closures_;
   mutable std::vector<NodeId> largeClosure_;
+  mutable std::size_t closureBytes_ = 0;
+  std::size_t instructions_ = 0;
   mutable const Node* entryNode_ = nullptr;
   mutable const char* entryMethod_ = nullptr;
   mutable int callDepth_ = 0;
@@ -155,7 +175,8 @@ class Call {
 /// one call: where nothing is remembered, the work may double with every level.
 class DepthGuard {
  public:
-  explicit DepthGuard(const Node& node);
+  /// `work` is about how many nodes it is as costly as.
+  explicit DepthGuard(const Node& node, std::size_t work = 1);
   ~DepthGuard() { --map_.evaluationDepth_; }
   DepthGuard(const DepthGuard&) = delete;
   DepthGuard& operator=(const DepthGuard&) = delete;
@@ -193,6 +214,8 @@ class WriteCall {
   NodeMap& map_;
   WriteCall* const outer_;
   std::vector<NodeId> written_;
+  // The same, once they are many.
+  std::unordered_set<NodeId> writtenIndex_;
   std::vector<NodeId> siblings_;
   bool held_ = true;
   bool committed_ = false;

@@ -2,11 +2,20 @@
 
 #include <string>
 #include <type_traits>
+#include <utility>
 
 #include "nodes/IntegerCore.h"
 
 namespace zyn::genapi {
 namespace {
+
+// Instructions that cost about as much as asking a node.
+constexpr std::size_t kInstructionsPerNode = 64;
+
+template <class T>
+std::size_t WorkOf(const formula::Program<T>& program) {
+  return 1 + program.code.size() / kInstructionsPerNode;
+}
 
 bool EndsWith(std::string_view text, std::string_view end) {
   return text.size() > end.size() && text.substr(text.size() - end.size()) == end;
@@ -36,10 +45,10 @@ class NodeFormula<T>::Evaluation final : public formula::Environment<T> {
     Slot& slot = expressions_[index];
     if (slot.state == State::known) return slot.value;
     if (slot.state == State::open) throw formula::FormulaError("#Internal error!");
-    const DepthGuard depth(formula_.owner_);
+    const formula::Program<T>& program = formula_.ExpressionProgram(index);
+    const DepthGuard depth(formula_.owner_, WorkOf(program));
     slot.state = State::open;
-    const T value =
-        formula::Evaluate(formula_.ExpressionProgram(index), static_cast<formula::Environment<T>&>(*this));
+    const T value = formula::Evaluate(program, static_cast<formula::Environment<T>&>(*this));
     slot = {State::known, value};
     return value;
   }
@@ -68,7 +77,7 @@ void NodeFormula<T>::Fail(const char* message) const {
 template <class T>
 T NodeFormula<T>::Evaluate(T input, ReadMode read) {
   Compile();
-  const DepthGuard depth(owner_);
+  const DepthGuard depth(owner_, WorkOf(*program_));
   try {
     Evaluation evaluation(*this, input, read);
     return formula::Evaluate(*program_, static_cast<formula::Environment<T>&>(evaluation));
@@ -83,7 +92,9 @@ void NodeFormula<T>::Compile() {
   CollectNames();
   try {
     for (std::size_t i = 0; i < expressions_.size(); ++i) ExpressionProgram(i);
-    program_ = formula::Compile<T>(owner_.Text(element_), *this);
+    formula::Program<T> program = formula::Compile<T>(owner_.Text(element_), *this);
+    owner_.Map().CountInstructions(program.code.size());
+    program_ = std::move(program);
     variablesByName_ = {};
     expressionsByName_ = {};
     entriesByName_ = {};
@@ -168,8 +179,10 @@ std::optional<formula::Symbol> NodeFormula<T>::Find(std::string_view name) const
 template <class T>
 const formula::Program<T>& NodeFormula<T>::ExpressionProgram(std::size_t index) {
   Expression& expression = expressions_[index];
-  if (!expression.program) expression.program = formula::Compile<T>(expression.text, *this);
-  return *expression.program;
+  if (expression.program) return *expression.program;
+  formula::Program<T> program = formula::Compile<T>(expression.text, *this);
+  owner_.Map().CountInstructions(program.code.size());
+  return expression.program.emplace(std::move(program));
 }
 
 template <class T>

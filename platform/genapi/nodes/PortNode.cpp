@@ -20,7 +20,7 @@ IPort& PortNode::Connected() {
 
 void PortNode::Connect(IPort* port) {
   connected_ = port;
-  memory_.clear();
+  GiveUpMemory();
   Map().InvalidateClosure(Id());
   // Another node map's Port would connect itself back.
   auto* const construct = dynamic_cast<IPortConstruct*>(port);
@@ -129,8 +129,13 @@ void PortNode::Forget(bool device) {
   for (auto& [place, memory] : memory_) memory.valid = false;
 }
 
+void PortNode::GiveUpMemory() {
+  memory_.clear();
+  ++generation_;
+}
+
 PortNode::Memory& PortNode::At(std::int64_t address, std::int64_t length) {
-  if (memory_.size() >= kMaxPlaces) memory_.clear();
+  if (memory_.size() >= kMaxPlaces) GiveUpMemory();
   return memory_[{address, length}];
 }
 

@@ -57,6 +57,8 @@ class PortNode final : public Node,
 
   /// The memory of that place; the reference holds until the next call.
   Memory& At(std::int64_t address, std::int64_t length);
+  /// Changes when all memory was given up.
+  unsigned MemoryGeneration() const { return generation_; }
   /// What is known of that place, if anything, is no longer valid. Allocates nothing.
   void ForgetPlace(std::int64_t address, std::int64_t length);
 
@@ -80,12 +82,14 @@ class PortNode final : public Node,
 
   EAccessMode BaseAccess() override;
   IPort& Connected();
+  void GiveUpMemory();
 
   IPort* connected_ = nullptr;
   IPortWriteList* recorder_ = nullptr;
   bool isStacking_ = false;
   std::vector<PendingWrite> pending_;
   std::unordered_map<Place, Memory, PlaceHash> memory_;
+  unsigned generation_ = 0;
 };
 
 }  // namespace zyn::genapi

@@ -90,12 +90,17 @@ std::int64_t RegisterAccess::NumberLength() {
 }
 
 PortNode::Memory& RegisterAccess::Use(std::int64_t address, std::int64_t length) {
+  PortNode::Memory& memory = Port().At(address, length);
+  const bool isFirstUse = !used_ || generation_ != Port().MemoryGeneration();
+  const bool isSamePlace = address == lastAddress_ && length == lastLength_;
+  // Very many registers may share a place, so its users are searched only where this one may be among them.
+  if (isFirstUse || (!isSamePlace &&
+                     std::find(memory.users.begin(), memory.users.end(), owner_.Id()) == memory.users.end()))
+    memory.users.push_back(owner_.Id());
   used_ = true;
   lastAddress_ = address;
   lastLength_ = length;
-  PortNode::Memory& memory = Port().At(address, length);
-  if (std::find(memory.users.begin(), memory.users.end(), owner_.Id()) == memory.users.end())
-    memory.users.push_back(owner_.Id());
+  generation_ = Port().MemoryGeneration();
   return memory;
 }
 

@@ -45,6 +45,7 @@ class RegisterAccess {
   bool used_ = false;
   std::int64_t lastAddress_ = 0;
   std::int64_t lastLength_ = 0;
+  unsigned generation_ = 0;
 };
 
 }  // namespace zyn::genapi

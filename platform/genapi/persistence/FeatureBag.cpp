@@ -26,6 +26,9 @@ using GENICAM_NAMESPACE::GenericException;
 
 namespace {
 
+// Nested selectors multiply: a description may ask for more combinations than anyone could wait for.
+constexpr size_t kMaxSettings = 300'000;
+
 gcstring Copy(std::string_view text) {
   return {text.data(), text.size()};
 }
@@ -390,7 +393,14 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, const int MaxNumPersistSkrip
       continue;
     }
     try {
-      for (bool more = selectors.SetFirst(); more; more = selectors.SetNext()) store(*feature, &selectors);
+      size_t combinations = 0;
+      for (bool more = selectors.SetFirst(); more && !isFull(); more = selectors.SetNext()) {
+        if (++combinations > kMaxSettings)
+          throw RUNTIME_EXCEPTION("The selectors of '%s' have too many combinations",
+                                  feature->GetNode()->GetName().c_str());
+        store(*feature, &selectors);
+      }
+      selectors.Restore();
     } catch (const GenericException&) {
       selectors.Restore();
       throw;
