@@ -44,8 +44,11 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INode : virtual public IBase {
   /// Hexadecimal digits; empty when the node has no event.
   virtual GENICAM_NAMESPACE::gcstring GetEventID() const = 0;
   virtual bool IsStreamable() const = 0;
+  /// The elements that the description has for this node, and of every node: Name, NodeType (the XML element), NameSpace,
+  /// DeviceName, Visibility, ImposedAccessMode, Streamable, IsFeature, IsDeprecated, ExposeStatic, pTerminal and pDependent.
   virtual void GetPropertyNames(GENICAM_NAMESPACE::gcstring_vector & PropertyNames) const = 0;
-  /// Returns false for an unknown property. Several values are joined with tabs.
+  /// The value as a text, and the element's attribute when it has one. Several are joined with tabs; a node that
+  /// depends on nothing has an empty pDependent. Returns false for an unknown property, and leaves ValueStr alone.
   virtual bool GetProperty(const GENICAM_NAMESPACE::gcstring& PropertyName,
                            GENICAM_NAMESPACE::gcstring& ValueStr,
                            GENICAM_NAMESPACE::gcstring& AttributeStr) = 0;

@@ -37,8 +37,9 @@ GENICAM_INTERFACE GENAPI_DECL_ABSTRACT INodeMap {
   virtual bool ParseSwissKnifes(GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr) const = 0;
   /// The caller owns the result and ends it with Destroy().
   virtual CNodeWriteConcatenator* NewNodeWriteConcatenator() const = 0;
-  /// Writes what was collected, in order. Returns false when a write failed, with one message each in
-  /// pErrorList.
+  /// Writes what was collected, in order, with checks. With featureStreaming the device's commands
+  /// DeviceRegistersStreamingStart and DeviceRegistersStreamingEnd, where it has them, are executed before and after.
+  /// Returns false when a write failed, with one message each in pErrorList.
   virtual bool ConcatenatedWrite(CNodeWriteConcatenator * pConcatenatedWrite, bool featureStreaming = true,
                                  GENICAM_NAMESPACE::gcstring_vector* pErrorList = nullptr) = 0;
   virtual void SetSuppressCallbackMode(ECallbackSuppressMode mode) = 0;

@@ -35,6 +35,8 @@ struct Property {
 struct NodeRecord {
   NodeKind kind;
   GENAPI_NAMESPACE::ENameSpace nameSpace;
+  /// What the attribute says; _UndefinedYesNo when it is not there.
+  GENAPI_NAMESPACE::EYesNo exposeStatic;
   /// Lies below the category Root.
   bool isFeature;
   /// For categories that of their features, see Linker.

@@ -67,6 +67,7 @@ bool IsAboutAnyNode(Element element) {
 struct Draft {
   NodeKind kind = NodeKind::unknown;
   GENAPI_NAMESPACE::ENameSpace nameSpace = GENAPI_NAMESPACE::Custom;
+  GENAPI_NAMESPACE::EYesNo exposeStatic = GENAPI_NAMESPACE::_UndefinedYesNo;
   std::int8_t priority = 0;
   std::uint32_t line = 0;
   std::string name;
@@ -307,6 +308,7 @@ class Builder {
     draft.layout = &LayoutOf(kind);
     draft.line = reader_.Line();
     draft.nameSpace = GENAPI_NAMESPACE::Custom;
+    draft.exposeStatic = GENAPI_NAMESPACE::_UndefinedYesNo;
     draft.priority = 0;
     reader_.EachAttribute([&](std::string_view name, std::string_view value) {
       if (name == "Name") return;
@@ -314,7 +316,9 @@ class Builder {
         if (value == "Standard") draft.nameSpace = GENAPI_NAMESPACE::Standard;
       } else if (name == "MergePriority") {
         draft.priority = PriorityOf(Trim(value));
-      } else if (!IsNeverImplemented(kind) && name != "ExposeStatic" && name != "Comment") {
+      } else if (name == "ExposeStatic") {
+        draft.exposeStatic = Trim(value) == "Yes" ? GENAPI_NAMESPACE::Yes : GENAPI_NAMESPACE::No;
+      } else if (!IsNeverImplemented(kind) && name != "Comment") {
         NoteAttribute(name);
       }
     });
@@ -578,6 +582,7 @@ class Builder {
     NodeRecord record{};
     record.kind = draft.kind;
     record.nameSpace = draft.nameSpace;
+    record.exposeStatic = draft.exposeStatic;
     record.line = draft.line;
     record.firstProperty = static_cast<std::uint32_t>(out.properties.size());
     record.propertyCount = static_cast<std::uint32_t>(draft.properties.size());

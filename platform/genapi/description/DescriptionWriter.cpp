@@ -93,6 +93,8 @@ class Writer {
     out_.append(indent).append("<").append(element);
     Attribute("Name", name);
     if (in_.nodes[id].nameSpace == Standard) Attribute("NameSpace", "Standard");
+    if (in_.nodes[id].exposeStatic != _UndefinedYesNo)
+      Attribute("ExposeStatic", in_.nodes[id].exposeStatic == Yes ? "Yes" : "No");
     out_ += ">\n";
     const auto properties = in_.Properties(id);
     for (std::size_t i = 0; i < properties.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "GenApi/ConcatenatedWrite.h"
@@ -10,6 +11,7 @@
 #include "map/NodeFactory.h"
 #include "nodes/Node.h"
 #include "nodes/PortNode.h"
+#include "persistence/Announcement.h"
 
 namespace zyn::genapi {
 namespace {
@@ -281,7 +283,7 @@ CNodeWriteConcatenator* NodeMap::NewNodeWriteConcatenator() const {
 
 // Goes through the ports' stacks, so that a device that takes several writes at once gets them so. Callbacks see
 // all of it done.
-bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool,
+bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool featureStreaming,
                                 gcstring_vector* pErrorList) {
   if (!pConcatenatedWrite) throw INVALID_ARGUMENT_EXCEPTION("A null list of writes cannot be written.");
   std::vector<std::string> errors;
@@ -290,13 +292,10 @@ bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool
     const AutoLock lock(lock_);
     std::vector<NodeId> changed;
     std::vector<NodeId>* const outer = std::exchange(joined_, &changed);
-    for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).BeginStack();
     try {
-      WriteAll(*pConcatenatedWrite, errors);
-      FlushPorts(errors);
+      WriteStacked(*pConcatenatedWrite, featureStreaming, errors);
     } catch (...) {  // a port may throw anything
       joined_ = outer;
-      for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).DropStack();
       throw;
     }
     joined_ = outer;
@@ -308,6 +307,39 @@ bool NodeMap::ConcatenatedWrite(CNodeWriteConcatenator* pConcatenatedWrite, bool
   for (const std::string& error : errors)
     if (pErrorList) pErrorList->push_back(Copy(error));
   return errors.empty();
+}
+
+// The device must hear of the start before the first write, and of the end after the last one, so neither is kept back.
+void NodeMap::WriteStacked(const CNodeWriteConcatenator& writes, bool isStreaming,
+                           std::vector<std::string>& errors) {
+  std::optional<Announcement> announcement;
+  const auto announce = [&](const auto& step) {
+    try {
+      step();
+    } catch (const GENICAM_NAMESPACE::GenericException& error) {
+      errors.emplace_back(error.what());
+    }
+  };
+  if (isStreaming)
+    announce(
+        [&] { announcement.emplace(*this, "DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd"); });
+  BeginStacks();
+  try {
+    WriteAll(writes, errors);
+    FlushPorts(errors);
+  } catch (...) {
+    DropStacks();
+    throw;
+  }
+  if (announcement) announce([&] { announcement->End(); });
+}
+
+void NodeMap::BeginStacks() {
+  for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).BeginStack();
+}
+
+void NodeMap::DropStacks() {
+  for (const NodeId id : description_->ports) dynamic_cast<PortNode&>(At(id)).DropStack();
 }
 
 void NodeMap::WriteAll(const CNodeWriteConcatenator& writes, std::vector<std::string>& errors) {

@@ -117,8 +117,11 @@ class NodeMap final : public INodeMap,
   /// Nothing, when callbacks are suppressed or there are none.
   void CollectCallbacks(const std::vector<NodeId>& changed, std::vector<CNodeCallback*>& callbacks) const;
   bool ConsumeSuppression() const;
+  void WriteStacked(const CNodeWriteConcatenator& writes, bool isStreaming, std::vector<std::string>& errors);
   void WriteAll(const CNodeWriteConcatenator& writes, std::vector<std::string>& errors);
+  void BeginStacks();
   void FlushPorts(std::vector<std::string>& errors);
+  void DropStacks();
   /// Calls what is to be called with the lock held. Afterwards `callbacks` is what FireOutside() has to call: that
   /// and what was written inside of callbacks; nothing when this was inside of a callback itself.
   void FireInside(std::vector<CNodeCallback*>& callbacks) const;

@@ -5,7 +5,6 @@
 #include <limits>
 #include <utility>
 
-#include "description/DescriptionWriter.h"
 #include "nodes/InterfaceTypes.h"
 
 namespace zyn::genapi {
@@ -344,36 +343,6 @@ INodeMap* Node::GetNodeMap() const {
 }
 EInterfaceType Node::GetPrincipalInterfaceType() const {
   return InterfaceTypeOf(Kind());
-}
-
-void Node::GetPropertyNames(gcstring_vector& PropertyNames) const {
-  PropertyNames.clear();
-  for (const char* const name : {"Name", "NodeType", "NameSpace"}) PropertyNames.push_back(name);
-  for (const Property& property : Properties())
-    if (!PropertyNames.contains(XmlName(property.element)))
-      PropertyNames.push_back(XmlName(property.element));
-}
-
-bool Node::GetProperty(const gcstring& PropertyName, gcstring& ValueStr, gcstring& AttributeStr) {
-  AttributeStr = "";
-  if (PropertyName == "Name") return ValueStr = GetName(false), true;
-  if (PropertyName == "NodeType") return ValueStr = XmlName(Kind()), true;
-  if (PropertyName == "NameSpace") return ValueStr = GetNameSpace() == Standard ? "Standard" : "Custom", true;
-  bool found = false;
-  for (const Property& property : Properties()) {
-    if (PropertyName != XmlName(property.element)) continue;
-    if (found) {
-      ValueStr += "\t";
-      AttributeStr += "\t";
-    } else {
-      ValueStr = "";
-    }
-    found = true;
-    ValueStr += PropertyText(map_.Facts(), Kind(), property).c_str();
-    const std::string_view attribute = map_.Facts().Text(property.attribute);
-    AttributeStr += gcstring(attribute.data(), attribute.size());
-  }
-  return found;
 }
 
 // Links

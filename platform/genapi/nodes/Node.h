@@ -81,6 +81,7 @@ class Node : public INode, public ISelector, public IUserData {
   std::span<const Property> Properties() const { return map_.Facts().Properties(id_); }
   std::string_view Name() const { return map_.Facts().Name(id_); }
   const std::vector<CNodeCallback*>& Callbacks() const { return callbacks_; }
+  EAccessMode ImposedAccess() const { return imposedAccess_; }
 
   /// The access mode, worked out when it is not known.
   EAccessMode Access();

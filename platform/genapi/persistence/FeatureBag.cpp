@@ -17,6 +17,7 @@
 #include "GenApi/ISelector.h"
 #include "GenApi/Persistence.h"
 #include "description/NumberText.h"
+#include "persistence/Announcement.h"
 
 namespace GENAPI_NAMESPACE {
 
@@ -159,30 +160,6 @@ gcstring InfoOf(INodeMap& map) {
          " -- Product GUID = " + device->GetProductGuid() +
          " -- Product version GUID = " + device->GetVersionGuid();
 }
-
-// Devices that want to know are told before and after; see the standard features of these names.
-class Announcement {
- public:
-  Announcement(INodeMap& map, const char* start, const char* end) : map_(map), end_(end) { Execute(start); }
-  ~Announcement() {
-    try {
-      Execute(end_);
-    } catch (const GenericException&) {
-      // There may be an exception on its way already, and the settings are what matters.
-    }
-  }
-  Announcement(const Announcement&) = delete;
-  Announcement& operator=(const Announcement&) = delete;
-
- private:
-  void Execute(const char* name) {
-    auto* const command = dynamic_cast<ICommand*>(map_.GetNode(name));
-    if (command && IsWritable(command->GetAccessMode())) command->Execute();
-  }
-
-  INodeMap& map_;
-  const char* const end_;
-};
 
 class Loader {
  public:
@@ -373,7 +350,8 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, const int MaxNumPersistSkrip
                                 gcstring_vector* pFeatureFilter) {
   if (!pNodeMap) throw INVALID_ARGUMENT_EXCEPTION("The settings of a null node map cannot be stored.");
   const AutoLock lock(pNodeMap->GetLock());
-  const Announcement announcement(*pNodeMap, "DeviceFeaturePersistenceStart", "DeviceFeaturePersistenceEnd");
+  const zyn::genapi::Announcement announcement(*pNodeMap, "DeviceFeaturePersistenceStart",
+                                               "DeviceFeaturePersistenceEnd");
   CFeatureBag bag;
   bag.SetInfo(InfoOf(*pNodeMap));
   bag.SetBagName(GetBagName());
@@ -413,7 +391,8 @@ int64_t CFeatureBag::StoreToBag(INodeMap* pNodeMap, const int MaxNumPersistSkrip
 bool CFeatureBag::LoadFromBag(INodeMap* pNodeMap, bool Verify, gcstring_vector* pErrorList) {
   if (!pNodeMap) throw INVALID_ARGUMENT_EXCEPTION("Settings cannot be loaded into a null node map.");
   const AutoLock lock(pNodeMap->GetLock());
-  const Announcement announcement(*pNodeMap, "DeviceRegistersStreamingStart", "DeviceRegistersStreamingEnd");
+  const zyn::genapi::Announcement announcement(*pNodeMap, "DeviceRegistersStreamingStart",
+                                               "DeviceRegistersStreamingEnd");
   return Loader(*pNodeMap, pErrorList).Load(m_pImpl->settings, Verify);
 }
 

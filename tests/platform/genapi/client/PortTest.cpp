@@ -160,6 +160,79 @@ TEST(StackedPort, ForeignExceptionsPassAndDropWhatWasKeptBack) {
   EXPECT_EQ(memory->bytes[0x10], 8);
 }
 
+// Writes, single and stacked, in the order in which they reach the device.
+class Listener : public StackedMemory {
+ public:
+  void Write(const void* buffer, int64_t address, int64_t length) override {
+    order.push_back(address);
+    if (address == refused) throw TIMEOUT_EXCEPTION("The device does not answer");
+    StackedMemory::Write(buffer, address, length);
+  }
+  void Write(PORT_REGISTER_STACK_ENTRY* entries, size_t count) override {
+    for (size_t i = 0; i < count; ++i) order.push_back(static_cast<int64_t>(entries[i].Address));
+    StackedMemory::Write(entries, count);
+  }
+  std::vector<int64_t> order;
+  int64_t refused = -1;
+};
+
+std::string StreamingNodes() {
+  return StackNodes() + Register("IntReg", "StartReg", 0x20, 4) + Register("IntReg", "EndReg", 0x24, 4) +
+         "<Command "
+         "Name=\"DeviceRegistersStreamingStart\"><pValue>StartReg</pValue><CommandValue>1</CommandValue>"
+         "</Command><Command Name=\"DeviceRegistersStreamingEnd\"><pValue>EndReg</pValue><CommandValue>1"
+         "</CommandValue></Command>";
+}
+
+struct StreamingCamera {
+  StreamingCamera()
+      : writes((map._LoadXMLFromString(Description(StreamingNodes()).c_str()),
+                map._NewNodeWriteConcatenator())) {
+    map._Connect(static_cast<IPortStacked*>(&port));
+    writes._Add("A", int64_t{1});
+    writes._Add("B", int64_t{2});
+  }
+  bool Write(bool featureStreaming) {
+    return map._ConcatenatedWrite(writes.get(), featureStreaming, &errors);
+  }
+  Listener port;
+  CNodeMapRef map;
+  CNodeWriteConcatenatorRef writes;
+  gcstring_vector errors;
+};
+
+TEST(StackedPort, FeatureStreamingTellsTheDeviceBeforeAndAfter) {
+  StreamingCamera camera;
+  EXPECT_TRUE(camera.Write(true));
+  EXPECT_EQ(camera.port.order, (std::vector<int64_t>{0x20, 0x10, 0x14, 0x24}));
+  EXPECT_EQ(camera.port.stacks, std::vector<size_t>{2});
+  camera.port.order.clear();
+  EXPECT_TRUE(camera.Write(false));
+  EXPECT_EQ(camera.port.order, (std::vector<int64_t>{0x10, 0x14}));
+}
+
+TEST(StackedPort, AFailedAnnouncementIsReportedAndTheValuesAreWritten) {
+  StreamingCamera camera;
+  camera.port.refused = 0x20;
+  EXPECT_FALSE(camera.Write(true));
+  EXPECT_EQ(camera.errors.size(), 1U);
+  EXPECT_EQ(camera.port.order, (std::vector<int64_t>{0x20, 0x10, 0x14})) << "what did not begin need not end";
+  camera.port.order.clear();
+  camera.port.refused = 0x24;
+  EXPECT_FALSE(camera.Write(true));
+  EXPECT_EQ(camera.errors.size(), 1U);
+  EXPECT_EQ(camera.port.order, (std::vector<int64_t>{0x20, 0x10, 0x14, 0x24}));
+}
+
+TEST(StackedPort, TheDeviceHearsOfTheEndWhateverHappens) {
+  StreamingCamera camera;
+  camera.writes._Add("Low", int64_t{1});  // has to read the other bits
+  camera.port.foreign = true;
+  EXPECT_THROW(camera.Write(true), int);
+  ASSERT_FALSE(camera.port.order.empty());
+  EXPECT_EQ(camera.port.order.back(), 0x24);
+}
+
 TEST(StackedPort, IsToldItsNode) {
   StackedCamera camera;
   EXPECT_EQ(camera.Value("A"), 0);
@@ -204,13 +277,15 @@ TEST(Factory, WritesTheDescriptionOutAgain) {
       "Name=\"V\">A</pVariable><Formula>V&lt;&lt;2</Formula>"
       "</IntSwissKnife><pIndex Offset=\"0x10\">A</pIndex><pIndex pOffset=\"B\">A</pIndex><Length>4</Length>"
       "<pPort>Device</pPort></IntReg>"
-      "<Integer Name=\"X\" NameSpace=\"Standard\"><ToolTip>&quot;a&quot; &amp; b</ToolTip><pIndex>A</pIndex>"
+      "<Integer Name=\"X\" NameSpace=\"Standard\" ExposeStatic=\"Yes\"><ToolTip>&quot;a&quot; &amp; "
+      "b</ToolTip><pIndex>A</pIndex>"
       "<ValueIndexed Index=\"1\">5</ValueIndexed><ValueDefault>6</ValueDefault></Integer>"
       "<Float Name=\"R\"><Value>0.1</Value><Max>INF</Max></Float>";
   CNodeMapFactory factory(Description(nodes).c_str());
   const gcstring xml = factory.ToXml();
   CNodeMapFactory again(xml);
   EXPECT_EQ(again.ToXml(), xml);
+  EXPECT_NE(std::string(xml.c_str()).find("ExposeStatic=\"Yes\""), std::string::npos);
   CNodeMapRef map(again.CreateNodeMap());
   MemoryPort port;
   map._Connect(&port);
