@@ -37,6 +37,7 @@ struct Frame {
   std::uint32_t offsetX = 0;
   std::uint32_t offsetY = 0;
   std::uint32_t paddingX = 0;  ///< bytes after each line
+  std::uint32_t taps = 0;      ///< pixels that a Camera Link camera sends at a time; 0: has no such setting
 
   std::size_t chunkCount =
       0;  ///< chunks in `chunks`, the image included where there are any; 0: no chunk mode.

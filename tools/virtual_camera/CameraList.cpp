@@ -66,15 +66,16 @@ CameraEntry Entry(const json& object, const CameraEntry& defaults) {
   return camera;
 }
 
-bool IsModel(const std::string& name) {
-  const auto catalog = zyn::cameras::Catalog();
-  return std::any_of(catalog.begin(), catalog.end(), [&](const auto& entry) { return entry.model == name; });
+void RequireModel(const std::string& name) {
+  const zyn::cameras::CatalogEntry* const model = zyn::cameras::FindModel(name);
+  if (model == nullptr) Fail("there is no model \"" + name + "\"");
+  if (model->isCameraLink) Fail("the model \"" + name + "\" has a Camera Link connector only");
 }
 
 void CompleteOne(CameraEntry& camera) {
   const std::uint32_t ip = camera.device.ip.value;
   if (camera.serial.empty()) camera.serial = "VC" + std::to_string(ip & 0xFFU);
-  if (!IsModel(camera.model)) Fail("there is no model \"" + camera.model + "\"");
+  RequireModel(camera.model);
   if (camera.serial.size() > kLongestName || camera.userName.size() > kLongestName)
     Fail("serial numbers and names take " + std::to_string(kLongestName) + " bytes at most");
   // Locally administered, and unique like the address.

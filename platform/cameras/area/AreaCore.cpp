@@ -26,13 +26,11 @@ constexpr std::array<ChunkKind, kAreaChunks> kChunks = {{{"FrameID", kFrameIdChu
 
 using Computed = std::function<std::int64_t()>;
 
-std::vector<Choice> Formats(bool hasAll) {
-  std::vector<Choice> choices = {{"Mono8", kMono8}, {"Mono16", kMono16}};
-  if (!hasAll) return choices;
-  const std::vector<Choice> more = {
-      {"Mono10", kMono10}, {"Mono12", kMono12}, {"BayerRG8", kBayerRG8}, {"RGB8", kRGB8}, {"BGR8", kBGR8}};
-  choices.insert(choices.end(), more.begin(), more.end());
-  return choices;
+std::vector<Choice> Formats(const AreaModel& model) {
+  if (model.hasOldNames) return {{"Mono8", kMono8}, {"Mono16", kMono16}};
+  if (model.isCameraLink) return {{"Mono8", kMono8}, {"Mono10", kMono10}, {"Mono12", kMono12}};
+  return {{"Mono8", kMono8},       {"Mono16", kMono16}, {"Mono10", kMono10}, {"Mono12", kMono12},
+          {"BayerRG8", kBayerRG8}, {"RGB8", kRGB8},     {"BGR8", kBGR8}};
 }
 
 std::vector<Choice> Patterns() {
@@ -68,7 +66,11 @@ AreaCore::AreaCore(Identity identity, const AreaModel& model, Clock& clock)
   AddAcquisitionFeatures();
   AddExposureFeatures();
   AddLineFeatures();
-  AddChunkFeatures();
+  if (model_.isCameraLink) {
+    AddLinkFeatures();
+  } else {
+    AddChunkFeatures();
+  }
   userSets_.AddFeatures(features_);
   AddEventFeatures();
   AddTransportFeatures();
@@ -103,8 +105,7 @@ void AreaCore::AddImageFeatures() {
       .Range(
           0, [this] { return model_.rows - settings_.height; }, 2)
       .Unit("px");
-  f.Enum("PixelFormat", "Format of the pixels.", Formats(!model_.hasOldNames), {&settings_.pixelFormat})
-      .Locked();
+  f.Enum("PixelFormat", "Format of the pixels.", Formats(model_), {&settings_.pixelFormat}).Locked();
   f.Enum("TestPattern", "What is sent instead of what the sensor sees.", Patterns(),
          {&settings_.testPattern});
 }
@@ -175,6 +176,15 @@ void AreaCore::AddChunkFeatures() {
   f.ChunkFloat("ChunkGain", "The frame's amplification.", "GainChunk").Unit("dB");
 }
 
+void AreaCore::AddLinkFeatures() {
+  features_.Category("CameraLinkControl", "How pixels are sent.", CategoryOrigin::ownNames);
+  features_
+      .Enum("DeviceTapGeometry", "How many neighbouring pixels are sent at a time: one on each tap.",
+            {{"Geometry_1X_1Y", 1}, {"Geometry_1X2_1Y", 2}, {"Geometry_1X4_1Y", 4}, {"Geometry_1X8_1Y", 8}},
+            {&settings_.taps})
+      .Locked();
+}
+
 double AreaCore::GainDb() const {
   return model_.hasOldNames ? static_cast<double>(settings_.gainRaw) * kGainDbPerRaw : settings_.gainDb;
 }
@@ -227,6 +237,7 @@ void AreaCore::LayOut(Frame& frame, std::size_t shortenBy) const {
   frame.offsetX = static_cast<std::uint32_t>(settings_.offsetX);
   frame.offsetY = static_cast<std::uint32_t>(settings_.offsetY);
   frame.imageSize = std::size_t{frame.width} * frame.height * BytesPerPixel(frame.pixelFormat);
+  if (model_.isCameraLink) frame.taps = static_cast<std::uint32_t>(settings_.taps);
   if (settings_.chunkModeActive == 0) {
     frame.intendedSize = frame.imageSize;
     return;

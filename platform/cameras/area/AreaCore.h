@@ -21,6 +21,8 @@ struct AreaModel {
   /// Exposure and gain are called ExposureTimeAbs and GainRaw, the frame rate AcquisitionFrameRateAbs; only the
   /// formats Mono8 and Mono16.
   bool hasOldNames = false;
+  /// Sends pixels on taps (DeviceTapGeometry), and nothing else: no chunks. Only Mono8, Mono10 and Mono12.
+  bool isCameraLink = false;
 };
 
 /// The chunks that can be switched on, beside the image.
@@ -34,6 +36,7 @@ struct AreaSettings {
   std::int64_t offsetY = 0;
   std::int64_t pixelFormat = kMono8;
   std::int64_t testPattern = 0;
+  std::int64_t taps = 2;
   std::int64_t acquisitionMode = 0;
   std::int64_t frameCount = 1;
   std::int64_t frameRateEnable = 1;
@@ -65,6 +68,7 @@ class AreaCore final : public CameraCore {
   void AddAcquisitionFeatures();
   void AddExposureFeatures();
   void AddChunkFeatures();
+  void AddLinkFeatures();
   void LayOut(Frame& frame, std::size_t shortenBy) const;
   double GainDb() const;
   double ResultingFrameRate() const;

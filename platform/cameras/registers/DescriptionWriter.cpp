@@ -43,6 +43,27 @@ std::string Number(double value) {
   return std::string(text, result.ptr);
 }
 
+// FNV-1a.
+std::uint64_t Fingerprint(std::string_view text) {
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char c : text) hash = (hash ^ static_cast<std::uint8_t>(c)) * 0x100000001B3;
+  return hash;
+}
+
+// Stands for a GUID until the text is complete.
+constexpr std::string_view kNoGuid = "00000000-0000-0000-0000-000000000000";
+
+// Two fingerprints in the shape of a GUID.
+std::string Guid(const std::string& text) {
+  const std::uint64_t a = Fingerprint(text);
+  const std::uint64_t b = Fingerprint(text + "/");
+  char digits[48];
+  std::snprintf(digits, sizeof digits, "%08X-%04X-%04X-%04X-%012llX", static_cast<unsigned>(a >> 32U),
+                static_cast<unsigned>(a >> 16U & 0xFFFFU), static_cast<unsigned>(a & 0xFFFFU),
+                static_cast<unsigned>(b >> 48U), static_cast<unsigned long long>(b & 0xFFFFFFFFFFFFU));
+  return digits;
+}
+
 std::string_view Element(FeatureKind kind, bool isFloatChunk) {
   switch (kind) {
     case FeatureKind::floating:
@@ -103,13 +124,15 @@ std::string DescriptionWriter::Write(const std::string& vendor, const std::strin
                                {"MajorVersion", "1"},
                                {"MinorVersion", "0"},
                                {"SubMinorVersion", "0"},
-                               {"ProductGuid", "6E2B1C54-0B7D-4E55-9D0A-6A1F5D1C7A01"},
-                               {"VersionGuid", "6E2B1C54-0B7D-4E55-9D0A-6A1F5D1C7A02"},
+                               {"ProductGuid", Guid(vendor + "/" + model)},
+                               {"VersionGuid", std::string(kNoGuid)},
                                {"xmlns", "http://www.genicam.org/GenApi/Version_1_1"}});
   WriteCategories();
   for (const Feature& feature : table_.features_) WriteFeature(feature);
   WritePorts();
   Close("RegisterDescription");
+  // Consumers keep descriptions by this number: it tells models apart, and versions of one.
+  text_.replace(text_.find(kNoGuid), kNoGuid.size(), Guid(text_));
   return std::move(text_);
 }
 

@@ -30,12 +30,26 @@ std::unique_ptr<cameras::CameraModel> Make(const CameraSetting& setting, cameras
   return camera;
 }
 
+// Told to expect what the camera sends at first.
+CardSettings CardFor(const CameraSetting& setting) {
+  CardSettings card;
+  const cameras::CatalogEntry* const model = cameras::FindModel(setting.model);
+  if (model == nullptr) return card;
+  card.width = model->columns;
+  card.height = model->rows;
+  return card;
+}
+
 }  // namespace
 
 CameraSlot::CameraSlot(const CameraSetting& setting, std::size_t index)
     : setting_(setting),
       clock_(setting.pacing),
       camera_(Make(setting, clock_)),
+      isLaser_(camera_->GetIdentity().isLaser),
+      card_(setting.link == LinkKind::cameraLink
+                ? std::make_unique<Card>(CardFor(setting), [this] { NotifyStream(); })
+                : nullptr),
       isPlugged_(setting.isPlugged),
       isBusy_(setting.isBusy),
       network_(NetworkOf(index)) {
@@ -109,8 +123,17 @@ void CameraSlot::SetBusy(bool isBusy) {
 
 void CameraSlot::SetPacing(Pacing pacing) {
   clock_.SetPacing(pacing);
+  NotifyStream();
+}
+
+void CameraSlot::NotifyStream() {
   const MutexLock lock(mutex_);
   if (connection_ != nullptr) connection_->Notify();
+}
+
+void CameraSlot::PulseLine(unsigned line) {
+  camera_->PulseLine(line);
+  if (card_) card_->Trigger(line == 0 ? CardTriggerSource::line0 : CardTriggerSource::line1);
 }
 
 void CameraSlot::ForceAddress(const producer::ForcedAddress& forced) {
@@ -139,6 +162,7 @@ std::unique_ptr<Connection> CameraSlot::Connect(producer::DeviceListener& listen
     throw Error(GenTL::GC_ERR_RESOURCE_IN_USE, "The camera " + Serial() + " is open already.");
   auto connection = std::make_unique<Connection>(listener);
   connection_ = connection.get();
+  if (card_) card_->PowerUp();
   resets_ = camera_->ResetCount();
   return connection;
 }

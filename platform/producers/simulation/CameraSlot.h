@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 
+#include "Card.h"
 #include "Configuration.h"
 #include "Connection.h"
 #include "PacedClock.h"
@@ -36,6 +37,11 @@ class CameraSlot {
   LinkKind Link() const { return setting_.link; }
   cameras::CameraModel& Camera() { return *camera_; }
   PacedClock& Clock() { return clock_; }
+  /// The card between the camera and the consumer; null on Ethernet.
+  Card* GetCard() { return card_.get(); }
+  /// Whether that card takes the camera's images as it is told. It hands the chunks of laser-profile cameras on as
+  /// they come.
+  bool IsShapedByCard() const { return card_ != nullptr && !isLaser_; }
 
   /// What a search finds; empty while the camera is unplugged.
   std::optional<producer::DeviceInfo> Describe() const ZYN_EXCLUDES(mutex_);
@@ -52,6 +58,9 @@ class CameraSlot {
   /// See PacedClock.
   void SetPacing(Pacing pacing) ZYN_EXCLUDES(mutex_);
 
+  /// A pulse on an input line, of the camera and of the card before it.
+  void PulseLine(unsigned line) ZYN_EXCLUDES(mutex_);
+
   /// Chunk data as producers of GenTL 1.4 and before mark it: PAYLOAD_TYPE_CHUNK_DATA.
   bool MarksChunkPayload() const { return marksChunkPayload_; }
   void SetMarksChunkPayload(bool marks) { marksChunkPayload_ = marks; }
@@ -59,7 +68,7 @@ class CameraSlot {
   /// Throws producer::Error with GC_ERR_INVALID_VALUE.
   void ForceAddress(const producer::ForcedAddress& forced) ZYN_EXCLUDES(mutex_);
 
-  /// Connects a device that is being opened. Throws producer::Error: GC_ERR_IO when there is no camera,
+  /// Connects a device that is being opened, and powers the card up. Throws producer::Error: GC_ERR_IO when there is no camera,
   /// GC_ERR_ACCESS_DENIED when it is busy or out of reach.
   std::unique_ptr<Connection> Connect(producer::DeviceListener& listener) ZYN_EXCLUDES(mutex_);
   /// The device is being closed: a camera that still acquires stops, as nobody controls it any more.
@@ -72,10 +81,13 @@ class CameraSlot {
   void Cut(const std::string& text) ZYN_REQUIRES(mutex_);
   bool IsReachable() const ZYN_REQUIRES(mutex_);
   void Rest();
+  void NotifyStream() ZYN_EXCLUDES(mutex_);
 
   const CameraSetting setting_;
   PacedClock clock_;
   const std::unique_ptr<cameras::CameraModel> camera_;
+  const bool isLaser_;
+  const std::unique_ptr<Card> card_;
   std::atomic<bool> marksChunkPayload_{false};
 
   mutable Mutex mutex_;  // the camera and the listener of the connection may be called under it

@@ -101,7 +101,7 @@ std::string AutomaticSerial(std::size_t number) {
 /// Reads the list of cameras.
 class CameraList {
  public:
-  explicit CameraList(const std::vector<std::string>& models) : models_(models) {}
+  explicit CameraList(const std::vector<ModelEntry>& models) : models_(models) {}
 
   void Add(const json& entry, const std::string& where) {
     if (!entry.is_object()) Fail(where, "an object is expected");
@@ -133,15 +133,19 @@ class CameraList {
  private:
   CameraSetting Setting(const json& entry, const std::string& where) {
     CameraSetting setting;
+    setting.model = Model(entry["model"], where + ".model");
+    const bool isCameraLink = FindModel(setting.model)->isCameraLink;
+    if (isCameraLink) setting.link = LinkKind::cameraLink;
     for (const auto& [key, value] : entry.items()) {
       std::string at = where;
       at.append(".").append(key);
-      if (key == "model") setting.model = Model(value, at);
       if (key == "serialNumber") setting.serial = NewSerial(value, at);
       if (key == "userDefinedName") setting.userName = UserName(value, at);
       if (key == "link") {
         setting.link = OneOf<LinkKind>(
             value, at, {{"Ethernet", LinkKind::ethernet}, {"CameraLink", LinkKind::cameraLink}});
+        if (isCameraLink && setting.link == LinkKind::ethernet)
+          Fail(at, "the model " + Quoted(setting.model) + " has a Camera Link connector only");
       }
       if (key == "pacing")
         setting.pacing = OneOf<Pacing>(value, at, {{"camera", Pacing::camera}, {"reader", Pacing::reader}});
@@ -151,10 +155,19 @@ class CameraList {
     return setting;
   }
 
+  const ModelEntry* FindModel(const std::string& name) const {
+    const auto found = std::find_if(models_.begin(), models_.end(),
+                                    [&name](const ModelEntry& model) { return model.name == name; });
+    return found == models_.end() ? nullptr : &*found;
+  }
+
   std::string Model(const json& value, const std::string& where) const {
     std::string model = Text(value, where);
-    if (std::find(models_.begin(), models_.end(), model) == models_.end())
-      Fail(where, "there is no model " + Quoted(model) + "; the models are " + Listed(models_));
+    if (FindModel(model) == nullptr) {
+      std::vector<std::string> names;
+      for (const ModelEntry& known : models_) names.push_back(known.name);
+      Fail(where, "there is no model " + Quoted(model) + "; the models are " + Listed(names));
+    }
     return model;
   }
 
@@ -165,7 +178,7 @@ class CameraList {
     return serial;
   }
 
-  const std::vector<std::string>& models_;
+  const std::vector<ModelEntry>& models_;
   std::vector<CameraSetting> cameras_;
   std::set<std::string> serials_;
 };
@@ -197,7 +210,7 @@ std::string ReadFile(const std::string& path) {
 
 }  // namespace
 
-Configuration ParseConfiguration(const std::string& text, const std::vector<std::string>& models) {
+Configuration ParseConfiguration(const std::string& text, const std::vector<ModelEntry>& models) {
   const json root = Parse(text);
   if (!root.is_object()) Fail("the text", "an object is expected");
   RequireKnownKeys(root, {"cameras"}, "the text");
@@ -209,13 +222,13 @@ Configuration ParseConfiguration(const std::string& text, const std::vector<std:
   return {cameras.Finish()};
 }
 
-Configuration DefaultConfiguration(const std::vector<std::string>& models) {
+Configuration DefaultConfiguration(const std::vector<ModelEntry>& models) {
   CameraList cameras(models);
-  for (const std::string& model : models) cameras.Add({{"model", model}}, model);
+  for (const ModelEntry& model : models) cameras.Add({{"model", model.name}}, model.name);
   return {cameras.Finish()};
 }
 
-Configuration LoadConfiguration(const std::vector<std::string>& models) {
+Configuration LoadConfiguration(const std::vector<ModelEntry>& models) {
   const char* const path = std::getenv(kVariable);  // NOLINT(concurrency-mt-unsafe): read, never written here
   if (path == nullptr || *path == '\0') return DefaultConfiguration(models);
   const std::string text = ReadFile(path);

@@ -19,6 +19,12 @@ enum class Pacing : std::int32_t {
 /// What the simulated cameras hang on.
 enum class LinkKind { ethernet, cameraLink };
 
+/// A model that a camera may have.
+struct ModelEntry {
+  std::string name;
+  bool isCameraLink = false;  ///< it hangs on a frame grabber, and on nothing else
+};
+
 /// One camera.
 struct CameraSetting {
   std::string model;
@@ -40,15 +46,15 @@ class ConfigurationError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Reads a configuration. models: the names that a camera may have. Throws ConfigurationError.
-Configuration ParseConfiguration(const std::string& json, const std::vector<std::string>& models);
+/// Reads a configuration. models: those that a camera may have. Throws ConfigurationError.
+Configuration ParseConfiguration(const std::string& json, const std::vector<ModelEntry>& models);
 
 /// One camera of each model.
-Configuration DefaultConfiguration(const std::vector<std::string>& models);
+Configuration DefaultConfiguration(const std::vector<ModelEntry>& models);
 
 /// The configuration in the file that the environment variable ZYN_SIMULATOR_CONFIG names; the default one when
 /// it is not set or empty. Throws ConfigurationError, whose text begins with the file's name.
-Configuration LoadConfiguration(const std::vector<std::string>& models);
+Configuration LoadConfiguration(const std::vector<ModelEntry>& models);
 
 }  // namespace zyn::simulation
 

@@ -4,7 +4,7 @@
 std::unique_ptr<zyn::producer::Backend> zyn::producer::CreateBackend() {
   using namespace simulation;
   try {
-    return std::make_unique<SimBackend>(LoadConfiguration(ModelNames()));
+    return std::make_unique<SimBackend>(LoadConfiguration(Models()));
   } catch (const ConfigurationError& error) {
     throw Error(GenTL::GC_ERR_INVALID_VALUE, error.what());
   }

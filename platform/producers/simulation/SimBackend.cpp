@@ -6,10 +6,11 @@
 
 namespace zyn::simulation {
 
-std::vector<std::string> ModelNames() {
-  std::vector<std::string> names;
-  for (const cameras::CatalogEntry& entry : cameras::Catalog()) names.emplace_back(entry.model);
-  return names;
+std::vector<ModelEntry> Models() {
+  std::vector<ModelEntry> models;
+  for (const cameras::CatalogEntry& entry : cameras::Catalog())
+    models.push_back({std::string(entry.model), entry.isCameraLink});
+  return models;
 }
 
 SimBackend::SimBackend(const Configuration& configuration) {

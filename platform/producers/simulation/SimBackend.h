@@ -11,8 +11,8 @@
 
 namespace zyn::simulation {
 
-/// Names of all models, in the catalog's order.
-std::vector<std::string> ModelNames();
+/// All models, in the catalog's order.
+std::vector<ModelEntry> Models();
 
 class SimBackend final : public producer::Backend {
  public:

@@ -9,12 +9,11 @@
 
 namespace zyn::simulation {
 
-SimDevice::SimDevice(CameraSlot& slot, producer::DeviceListener& listener,
-                     std::unique_ptr<producer::ModuleExtension> extension)
+SimDevice::SimDevice(CameraSlot& slot, producer::DeviceListener& listener)
     : slot_(slot),
       listener_(listener),
       connection_(slot.Connect(listener)),
-      extension_(std::move(extension)) {
+      cardFeatures_(slot.GetCard() ? std::make_unique<CardFeatures>(*slot.GetCard()) : nullptr) {
   slot_.Camera().SetEventListener(this);
 }
 
@@ -33,7 +32,7 @@ producer::DeviceTraits SimDevice::Traits() const {
   location.url = "local:" + slot_.ModelName() + ".xml" + place;
   traits.xml = {location};
   traits.streamIds = {"Stream0"};
-  traits.chunkFormat = producer::DeviceTraits::ChunkFormat::gigEVision;
+  if (!slot_.IsShapedByCard()) traits.chunkFormat = producer::DeviceTraits::ChunkFormat::gigEVision;
   return traits;
 }
 

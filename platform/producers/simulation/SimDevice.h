@@ -6,6 +6,7 @@
 #include <string>
 
 #include "CameraSlot.h"
+#include "CardFeatures.h"
 #include "Connection.h"
 #include "cameras/CameraEvents.h"
 #include "producer/Backend.h"
@@ -14,10 +15,8 @@ namespace zyn::simulation {
 
 class SimDevice final : public producer::Device, private cameras::CameraEventListener {
  public:
-  /// slot outlives the device. extension: features of the local device module, or null. Throws producer::Error
-  /// as CameraSlot::Connect.
-  SimDevice(CameraSlot& slot, producer::DeviceListener& listener,
-            std::unique_ptr<producer::ModuleExtension> extension);
+  /// slot outlives the device. Throws producer::Error as CameraSlot::Connect.
+  SimDevice(CameraSlot& slot, producer::DeviceListener& listener);
   ~SimDevice() override;
   SimDevice(const SimDevice&) = delete;
   SimDevice& operator=(const SimDevice&) = delete;
@@ -27,7 +26,7 @@ class SimDevice final : public producer::Device, private cameras::CameraEventLis
   void Write(std::uint64_t address, const void* data, std::size_t size) override;
   std::unique_ptr<producer::Stream> OpenStream(std::size_t index, producer::StreamSink& sink) override;
   void SetUserDefinedName(const std::string& name) override;
-  producer::ModuleExtension* Extension() override { return extension_.get(); }
+  producer::ModuleExtension* Extension() override { return cardFeatures_.get(); }
 
  private:
   void OnCameraEvent(const cameras::CameraEvent& event) override;
@@ -36,7 +35,7 @@ class SimDevice final : public producer::Device, private cameras::CameraEventLis
   CameraSlot& slot_;
   producer::DeviceListener& listener_;
   const std::unique_ptr<Connection> connection_;
-  const std::unique_ptr<producer::ModuleExtension> extension_;
+  const std::unique_ptr<CardFeatures> cardFeatures_;  // null on Ethernet
 };
 
 }  // namespace zyn::simulation

@@ -1,6 +1,5 @@
 #include "SimInterface.h"
 
-#include "GrabberFeatures.h"
 #include "SimDevice.h"
 #include "producer/Error.h"
 
@@ -56,9 +55,7 @@ CameraSlot& SimInterface::SlotOf(const producer::DeviceInfo& info) const {
 
 std::unique_ptr<producer::Device> SimInterface::OpenDevice(const producer::DeviceInfo& info, producer::Access,
                                                            producer::DeviceListener& listener) {
-  std::unique_ptr<producer::ModuleExtension> grabber;
-  if (kind_ == LinkKind::cameraLink) grabber = std::make_unique<GrabberFeatures>();
-  return std::make_unique<SimDevice>(SlotOf(info), listener, std::move(grabber));
+  return std::make_unique<SimDevice>(SlotOf(info), listener);
 }
 
 void SimInterface::ForceAddress(const producer::DeviceInfo& info, const producer::ForcedAddress& address) {

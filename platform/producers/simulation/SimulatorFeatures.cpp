@@ -226,9 +226,9 @@ void SimulatorFeatures::AddInputs() {
           const MutexLock lock(mutex_);
           line = line_;
         }
-        Selected().Camera().PulseLine(static_cast<unsigned>(line));
+        Selected().PulseLine(static_cast<unsigned>(line));
       },
-      Options("Sends a pulse to the input line"));
+      Options("Sends a pulse to the input line, of the camera and of the card before it"));
   Table().Integer(
       "SimTurnEncoder", [] { return std::int64_t{0}; },
       [this](std::int64_t steps) { Selected().Camera().TurnEncoder(static_cast<std::uint32_t>(steps)); },

@@ -314,4 +314,41 @@ TEST(OlderAreaCamera, HasTheOlderNamesOnly) {
   EXPECT_EQ(LoadBigDouble(camera.buffer.data() + camera.frame.chunks[1].offset), 20);
 }
 
+TEST(CameraLinkCamera, TellsOnHowManyTapsItSends) {
+  Camera camera("ZS-CL1280");
+  camera.Set("AcquisitionFrameRateEnable", "0");
+  const std::pair<const char*, unsigned> geometries[] = {
+      {"Geometry_1X_1Y", 1}, {"Geometry_1X2_1Y", 2}, {"Geometry_1X4_1Y", 4}, {"Geometry_1X8_1Y", 8}};
+  EXPECT_EQ(camera.Get("DeviceTapGeometry"), "Geometry_1X2_1Y");
+  for (const auto& [name, taps] : geometries) {
+    camera.Set("DeviceTapGeometry", name);
+    camera.Execute("AcquisitionStart");
+    ASSERT_EQ(camera.Take(), FrameResult::written);
+    EXPECT_EQ(camera.frame.taps, taps);
+    EXPECT_EQ(camera.frame.chunkCount, 0U);
+    EXPECT_THROW(camera.Set("DeviceTapGeometry", "Geometry_1X_1Y"), GenICam::GenericException)
+        << "the shape of frames is locked";
+    camera.Execute("AcquisitionStop");
+  }
+}
+
+TEST(CameraLinkCamera, SendsPixelsAndNoChunks) {
+  Camera camera("ZS-CL1280");
+  EXPECT_FALSE(camera.Has("ChunkModeActive"));
+  EXPECT_FALSE(camera.Has("ChunkSelector"));
+  EXPECT_EQ(camera.Get("Width"), "1280");
+  EXPECT_EQ(camera.Get("Height"), "1024");
+  GenICam::gcstring_vector formats;
+  camera.As<GenApi::IEnumeration>("PixelFormat").GetSymbolics(formats);
+  EXPECT_EQ(formats.size(), 3U);
+  for (const char* format : {"Mono8", "Mono10", "Mono12"}) camera.Set("PixelFormat", format);
+}
+
+TEST(AreaCamera, OtherCamerasHaveNoTaps) {
+  const auto camera = SmallCamera();
+  camera->Execute("AcquisitionStart");
+  ASSERT_EQ(camera->Take(), FrameResult::written);
+  EXPECT_EQ(camera->frame.taps, 0U);
+}
+
 }  // namespace

@@ -224,4 +224,41 @@ TEST(Catalog, KnowsItsModelsOnly) {
   EXPECT_EQ(lasers, 3);
 }
 
+TEST(Catalog, TellsTheLargestImageAndTheConnector) {
+  for (const auto& entry : Catalog()) {
+    SCOPED_TRACE(entry.model);
+    Camera camera{std::string(entry.model)};
+    EXPECT_EQ(camera.Get("Width"), std::to_string(entry.columns));
+    EXPECT_EQ(camera.Get("Height"), std::to_string(entry.rows));
+    EXPECT_EQ(camera.Has("DeviceTapGeometry"), entry.isCameraLink);
+    EXPECT_EQ(zyn::cameras::FindModel(entry.model), &entry);
+  }
+  EXPECT_EQ(zyn::cameras::FindModel("ZS"), nullptr);
+}
+
+std::string Attribute(const std::string& xml, const std::string& name) {
+  const std::size_t begin = xml.find(name + "=\"") + name.size() + 2;
+  return xml.substr(begin, xml.find('"', begin) - begin);
+}
+
+// Consumers keep descriptions by these numbers.
+TEST(Catalog, EveryDescriptionHasNumbersOfItsOwnThatStayTheSame) {
+  std::set<std::string> products;
+  std::set<std::string> versions;
+  for (const auto& entry : Catalog()) {
+    const std::string xml(MakeCamera(entry.model, "1")->Description());
+    const std::string again(MakeCamera(entry.model, "2")->Description());
+    for (const char* name : {"ProductGuid", "VersionGuid"}) {
+      const std::string guid = Attribute(xml, name);
+      EXPECT_EQ(guid.find_first_not_of("0123456789ABCDEF-"), std::string::npos) << guid;
+      EXPECT_EQ(guid.size(), 36U);
+      EXPECT_EQ(guid, Attribute(again, name)) << "whatever camera of the model";
+    }
+    products.insert(Attribute(xml, "ProductGuid"));
+    versions.insert(Attribute(xml, "VersionGuid"));
+  }
+  EXPECT_EQ(products.size(), Catalog().size());
+  EXPECT_EQ(versions.size(), Catalog().size());
+}
+
 }  // namespace

@@ -150,8 +150,9 @@ void FeatureTable::Integer(const std::string& name, const GetInteger& get, SetIn
                            const FeatureOptions& options) {
   const bool writable = set != nullptr;
   if (writable && options.maximum) {
-    set = [set = std::move(set), maximum = options.maximum, name](std::int64_t value) {
-      if (value < 0 || value > maximum())
+    set = [set = std::move(set), minimum = options.minimum, maximum = options.maximum,
+           name](std::int64_t value) {
+      if (value < minimum || value > maximum())
         throw Error(GenTL::GC_ERR_INVALID_VALUE,
                     std::to_string(value) + " is out of range for " + name + ".");
       set(value);
@@ -160,7 +161,8 @@ void FeatureTable::Integer(const std::string& name, const GetInteger& get, SetIn
   const std::uint64_t address = AddIntegerRegister(get, set);
   BeginNode("Integer", name, options);
   nodes_ += Element("pValue", name + "Reg");
-  if (options.maximum) nodes_ += Element("Min", "0") + Element("pMax", name + "MaxReg");
+  if (options.maximum)
+    nodes_ += Element("Min", std::to_string(options.minimum)) + Element("pMax", name + "MaxReg");
   nodes_ += OptionalElement("Unit", options.unit) +
             OptionalElement("Representation", options.representation) + "@SELECTED:" + name + "@</Integer>\n";
   IntegerRegisterNode(name + "Reg", address, writable);

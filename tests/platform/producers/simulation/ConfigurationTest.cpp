@@ -12,7 +12,7 @@
 namespace zyn::simulation {
 namespace {
 
-const std::vector<std::string> kModels = {"AREA", "LASER"};
+const std::vector<ModelEntry> kModels = {{"AREA"}, {"LASER"}, {"CARD", true}};
 
 std::string ErrorOf(const std::string& json) {
   try {
@@ -68,10 +68,14 @@ TEST(SimulatorConfiguration, MayHaveNoCameraAtAll) {
 
 TEST(SimulatorConfiguration, DefaultsToOneCameraOfEachModel) {
   const Configuration configuration = DefaultConfiguration(kModels);
-  ASSERT_EQ(configuration.cameras.size(), 2U);
+  ASSERT_EQ(configuration.cameras.size(), 3U);
   EXPECT_EQ(configuration.cameras[0].model, "AREA");
   EXPECT_EQ(configuration.cameras[1].model, "LASER");
-  EXPECT_NE(configuration.cameras[0].serial, configuration.cameras[1].serial);
+  EXPECT_EQ(configuration.cameras[2].model, "CARD");
+  EXPECT_EQ(configuration.cameras[0].serial, "SIM0001");
+  EXPECT_EQ(configuration.cameras[2].serial, "SIM0003");
+  EXPECT_EQ(configuration.cameras[0].link, LinkKind::ethernet);
+  EXPECT_EQ(configuration.cameras[2].link, LinkKind::cameraLink) << "it has no other connector";
 }
 
 struct BadText {
@@ -99,7 +103,7 @@ INSTANTIATE_TEST_SUITE_P(
         BadText{"NoEntryObject", R"({"cameras": [1]})", "cameras[0]: an object is expected"},
         BadText{"NoModel", R"({"cameras": [{}]})", "cameras[0]: \"model\" is missing"},
         BadText{"UnknownModel", R"({"cameras": [{"model": "AREA"}, {"model": "X"}]})",
-                "cameras[1].model: there is no model \"X\"; the models are AREA, LASER"},
+                "cameras[1].model: there is no model \"X\"; the models are AREA, LASER, CARD"},
         BadText{"ModelNoText", R"({"cameras": [{"model": 1}]})", "cameras[0].model: a text is expected"},
         BadText{"UnknownKey", R"({"cameras": [{"model": "AREA", "serial": "1"}]})",
                 "cameras[0]: there is no setting \"serial\""},
@@ -121,6 +125,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "userDefinedName: at most 15 bytes"},
         BadText{"LinkUnknown", R"({"cameras": [{"model": "AREA", "link": "USB"}]})",
                 "cameras[0].link: \"USB\" is none of Ethernet, CameraLink"},
+        BadText{"LinkThatTheModelLacks", R"({"cameras": [{"model": "CARD", "link": "Ethernet"}]})",
+                "cameras[0].link: the model \"CARD\" has a Camera Link connector only"},
         BadText{"PacingUnknown", R"({"cameras": [{"model": "AREA", "pacing": "fast"}]})",
                 "\"fast\" is none of camera, reader"},
         BadText{"PluggedNoTruth", R"({"cameras": [{"model": "AREA", "plugged": 1}]})",

@@ -292,15 +292,37 @@ TEST_F(SimulatorTransport, ABusyCameraIsRefusedWithAccessDenied) {
   EXPECT_EQ(camera->Open(ACCESS_CONTROL), RESULT_ACCESS_DENIED);
 }
 
-TEST_F(SimulatorTransport, GrabberSettingsAreCameraLinkParameters) {
-  Configure(R"({"cameras": [{"model": "VX7-2000", "serialNumber": "C", "link": "CameraLink"}]})");
+TEST_F(SimulatorTransport, CardSettingsAreCameraLinkParametersAndShapeTheFrames) {
+  Configure(
+      R"({"cameras": [{"model": "ZS-CL1280", "serialNumber": "C", "pacing": "reader"}, {"model": "ZS-A640"}]})");
   std::list<ICameraInfo*> found;
   ASSERT_EQ(DiscoveryByTLType(PROTOCOL_CAMERA_LINK, found), RESULT_OK);
   ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found.front()->ProtocolType(), unsigned{PROTOCOL_CAMERA_LINK});
+  EXPECT_STREQ(found.front()->SerialNumber(), "C");
+  EXPECT_STREQ(found.front()->Text(TEXT_IP_ADDRESS), "");
   const CameraPtr camera(CreateCamera(found.front()));
   ASSERT_EQ(camera->Open(ACCESS_CONTROL), RESULT_OK);
-  EXPECT_EQ(camera->SetCLCameraParam("GrabberWidth", "640"), RESULT_OK);
-  EXPECT_EQ(Feature<GenApi_3_4::IInteger>(camera->LocalDeviceNodeMap(), "GrabberWidth").GetValue(), 640);
+  for (const auto& [name, value] :
+       {std::pair("Width", "640"), std::pair("Height", "480"), std::pair("PixelFormat", "Mono12"),
+        std::pair("ReverseX", "1"), std::pair("DigitalGain", "1.5"), std::pair("CardName", "left")})
+    EXPECT_EQ(camera->SetCLCameraParam(name, value), RESULT_OK) << name;
+  EXPECT_LT(camera->SetCLCameraParam("Width", "0"), RESULT_OK);
+  EXPECT_LT(camera->SetCLCameraParam("ExposureTime", "100"), RESULT_OK) << "a feature of the camera";
+  EXPECT_EQ(Feature<GenApi_3_4::IInteger>(camera->LocalDeviceNodeMap(), "Width").GetValue(), 640);
+  ASSERT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);
+  const ImagePtr image = Grab(*camera);
+  ASSERT_TRUE(image);
+  EXPECT_TRUE(image->IsValid());
+  EXPECT_EQ(image->Width(), 640);
+  EXPECT_EQ(image->Height(), 480);
+  EXPECT_EQ(image->Step(), 1280) << "two bytes for each pixel";
+  EXPECT_EQ(camera->SetCLCameraParam("TapCount", "3"), RESULT_INVALID_ARGUMENT) << "locked";
+  EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+  EXPECT_EQ(camera->SetCLCameraParam("TapCount", "3"), RESULT_OK);
+  EXPECT_LT(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK) << "36 bits do not fit into 24";
+  EXPECT_EQ(camera->SetCLCameraParam("ClConfiguration", "Medium"), RESULT_OK);
+  EXPECT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);
 }
 
 TEST_F(SimulatorTransport, ManyCamerasStreamAtOnce) {

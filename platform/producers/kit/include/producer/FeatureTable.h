@@ -23,7 +23,8 @@ struct FeatureOptions {
   std::string unit;
   std::string toolTip;
   bool custom = false;                    ///< not a feature that the naming conventions know
-  std::function<std::int64_t()> maximum;  ///< of an integer; the minimum is 0 then
+  std::function<std::int64_t()> maximum;  ///< of an integer, which then has a minimum too
+  std::int64_t minimum = 0;
 };
 
 /// Built in a module's constructor, not changed after Finish; then any thread may read and write. The getters
