@@ -19,6 +19,8 @@ std::string TextOf(const char* text) {
 std::string ProtocolText(unsigned int protocol) {
   if (protocol == 1) return "GigE Vision";
   if (protocol == 2) return "USB3 Vision";
+  if (protocol == 4) return "Camera Link";
+  if (protocol == 8) return "CoaXPress";
   return "other";
 }
 
@@ -78,10 +80,20 @@ std::string Camera::Label() {
   return description.model + " (" + description.serialNumber + ")";
 }
 
-void Camera::Open() {
-  const long status = is3D_ ? camera3D_.Open() : camera2D_.Open(nullptr);
-  if (status != 0) throw Failure::OfStatus("cannot open " + Label(), status);
-  opened_ = true;
+void Camera::Open(const std::string& cardFile) {
+  if (is3D_ && !cardFile.empty()) {
+    throw Failure(kExitFailed, Label() + " is a 3D camera, which is opened without the file of a card",
+                  "leave out --card, or choose a 2D camera with -c");
+  }
+  const long status = is3D_ ? camera3D_.Open() : camera2D_.Open(cardFile.c_str());
+  opened_ = status == 0;
+  if (opened_) return;
+  // A camera whose file cannot be read is open all the same.
+  if (!is3D_ && camera2D_.IsOpen()) {
+    camera2D_.Close();
+    throw Failure::OfStatus("cannot configure the card of " + Label() + " with " + cardFile, status);
+  }
+  throw Failure::OfStatus("cannot open " + Label(), status);
 }
 
 void Camera::Close() {

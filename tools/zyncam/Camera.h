@@ -14,7 +14,7 @@ namespace zyncam {
 /// What is known of a camera without opening it.
 struct CameraDescription {
   std::string serialNumber, model, manufacturer, name, userDefinedName, version, identifier;
-  std::string protocol;  ///< "GigE Vision", "USB3 Vision" or "other"
+  std::string protocol;  ///< "GigE Vision", "USB3 Vision", "Camera Link", "CoaXPress" or "other"
   std::string status;    ///< "ready", "busy", "wrong subnet" or "unreachable"
   int statusCode = 3;    ///< 0 to 3, in the order of the texts: ready, busy, wrong subnet, unreachable
   std::string address, mac, mask, gateway;                 ///< GigE Vision only
@@ -37,8 +37,9 @@ class Camera {
   CameraDescription Describe();
   std::string Label();  ///< "MODEL (SERIAL)", for messages
 
-  /// Opens the camera; throws Failure when it does not open.
-  void Open();
+  /// Opens the camera and applies the configuration file of its Camera Link card, if one is named. Throws Failure when
+  /// either fails, and for a 3D camera with a file.
+  void Open(const std::string& cardFile);
   void Close();
 
   /// The handle for 2D acquisition. Throws Failure for a 3D camera.

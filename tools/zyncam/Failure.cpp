@@ -34,12 +34,15 @@ constexpr StatusText kTexts[] = {
     {ZYN_ERROR_START_FAILED, "the stream did not start", "check cable and power; restart the camera"},
     {ZYN_ERROR_GRAB_FAILED, "no frame came in time",
      "is the camera waiting for a trigger? raise --timeout, or set TriggerMode=Off"},
+    {ZYN_ERROR_CONFIG_FILE, "the configuration file cannot be opened", "check its path and its rights"},
     {ZYN_ERROR_EXCEPTION, "the camera or its description reported an error",
      "check cable and power, then try again"},
     {ZYN_ERROR_INVALID_ARGUMENT, "invalid argument", ""},
     {ZYN_ERROR_NO_FRAME, "the transport delivered no frame", "try again"},
     {ZYN_ERROR_INVALID_FRAME, "the frame arrived incomplete",
-     "lower the frame rate, or check the network (MTU, cable, switch)"},
+     "lower the frame rate, or check the network (MTU, cable, switch); behind a frame grabber, check the "
+     "card's width, "
+     "height and taps"},
     {ZYN_ERROR_NO_SUCH_NODE, "no feature of that name",
      "'zyncam features' lists the names; they are case-sensitive"},
     {ZYN_ERROR_NO_NODE_MAP, "the camera has no such node map", "choose another one with --map"},

@@ -35,7 +35,7 @@ INode& ReadableFeature(INodeMap& map, const std::string& name) {
 void GetFeatures(Console& console, const CommonOptions& common, const AccessOptions& options) {
   Session session;
   Camera camera = session.Select(common.camera);
-  camera.Open();
+  camera.Open(common.card);
   INodeMap& map = camera.NodeMap(options.map);
   nlohmann::ordered_json list = nlohmann::ordered_json::array();
   const bool several = options.features.size() > 1;
@@ -57,7 +57,7 @@ void SetFeatures(Console& console, const CommonOptions& common, const AccessOpti
   for (const std::string& text : options.features) assignments.push_back(SplitAssignment(text));
   Session session;
   Camera camera = session.Select(common.camera);
-  camera.Open();
+  camera.Open(common.card);
   INodeMap& map = camera.NodeMap(options.map);
   for (const auto& assignment : assignments) FindFeature(map, assignment.first);
 
@@ -78,7 +78,7 @@ void SetFeatures(Console& console, const CommonOptions& common, const AccessOpti
 void ExecuteFeature(Console& console, const CommonOptions& common, const AccessOptions& options) {
   Session session;
   Camera camera = session.Select(common.camera);
-  camera.Open();
+  camera.Open(common.card);
   const std::string& name = options.features.front();
   INode& node = FindFeature(camera.NodeMap(options.map), name);
   ExecuteCommand(node, options.timeoutMs);

@@ -112,7 +112,7 @@ void ShowFlat(Console& console, const CommonOptions& common, INodeMap& map, cons
 void ShowFeatures(Console& console, const CommonOptions& common, const FeaturesOptions& options) {
   Session session;
   Camera camera = session.Select(common.camera);
-  camera.Open();
+  camera.Open(common.card);
   INodeMap& map = camera.NodeMap(options.map);
   const INode* root = map.GetNode("Root");
   if (options.flat || root == nullptr) {

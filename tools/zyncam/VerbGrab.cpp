@@ -59,8 +59,12 @@ std::string ProgressLine(const Outcome& outcome, int count) {
          std::to_string(outcome.delivered) + "/" + std::to_string(count) + "  " + rate;
 }
 
+// A frame grabber stores what its card was told, whatever the camera sends.
 std::string PixelFormatOf(Camera& camera) {
-  GenApi_3_4::INode* node = camera.NodeMap(0).GetNode("PixelFormat");
+  GenApi_3_4::INodeMap* const card =
+      ZYNSDK::Get2DCameraNodeMap(&camera.For2DGrab(), ZYNSDK::ZYN_XML_LOCAL_DEVICE);
+  GenApi_3_4::INode* node = card != nullptr ? card->GetNode("PixelFormat") : nullptr;
+  if (node == nullptr) node = camera.NodeMap(0).GetNode("PixelFormat");
   return node != nullptr ? ReadValue(*node).text : "";
 }
 
@@ -84,6 +88,11 @@ class FrameWriter {
     const unsigned char* data = image.ImageData();
     if (data == nullptr)
       throw Failure(kExitFailed, "the frame carries no image", "choose another payload on the camera");
+    if (options_.format == "png" &&
+        static_cast<std::size_t>(image.Step()) < RowBytes(layout_, image.Width())) {
+      throw Failure(kExitFailed, "the frame has another pixel format than the camera's features tell",
+                    "use --format raw");
+    }
     if (options_.format == "raw") {
       WriteFile(path, data,
                 static_cast<std::size_t>(image.Step()) * static_cast<std::size_t>(image.Height()));
@@ -126,19 +135,22 @@ void Report(Console& console, const CommonOptions& common, const GrabOptions& op
 void GrabLoop(Console& console, ZYNSDK::ZynCamera& camera, const GrabOptions& options,
               const FrameWriter& writer, Outcome& outcome) {
   const auto start = Clock::now();
+  const std::chrono::milliseconds patience(options.timeoutMs);
+  auto lastFrame = start;
   ZYNSDK::ZynImage image;
   while (!IsInterrupted() && (options.count == 0 || outcome.delivered < options.count)) {
     const long status = camera.GrabImage(&image, nullptr);
     if (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME) {
       ++outcome.incomplete;
-      continue;
+      if (Clock::now() - lastFrame < patience) continue;
     }
     if (IsInterrupted()) break;
     if (status != 0) {
       throw Failure::OfStatus("grab failed after " + std::to_string(outcome.delivered) + " frames", status);
     }
     ++outcome.delivered;
-    outcome.seconds = std::chrono::duration<double>(Clock::now() - start).count();
+    lastFrame = Clock::now();
+    outcome.seconds = std::chrono::duration<double>(lastFrame - start).count();
     outcome.width = image.Width();
     outcome.height = image.Height();
     std::string file = writer.Write(image, outcome.delivered);
@@ -154,7 +166,7 @@ bool GrabImages(Console& console, const CommonOptions& common, const GrabOptions
   Session session;
   Camera camera = session.Select(common.camera);
   ZYNSDK::ZynCamera& handle = camera.For2DGrab();
-  camera.Open();
+  camera.Open(common.card);
   Outcome outcome;
   outcome.pixelFormat = PixelFormatOf(camera);
   const FrameWriter writer(options, outcome.pixelFormat);

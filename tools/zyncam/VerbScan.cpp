@@ -95,7 +95,7 @@ bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& 
   Session session;
   Camera camera = session.Select(common.camera);
   ZYNSDK::Zyn3DCamera& handle = camera.For3DGrab();
-  camera.Open();
+  camera.Open(common.card);
   MakeFolder(options.folder);
   long status = handle.SetGrabTimeout(options.timeoutMs);
   if (status != 0) throw Failure::OfStatus("cannot set the time-out", status);

@@ -14,6 +14,8 @@ struct CommonOptions {
   std::string
       camera;  ///< serial number, user-defined name, address, MAC address or model; "" for the only one
   bool json = false;
+  std::string
+      card;  ///< configuration file of the Camera Link card, applied when the camera is opened; "" for none
 };
 
 struct FeaturesOptions {

@@ -60,6 +60,12 @@ void AddCamera(CLI::App* verb, CommandLine& line) {
   AddJson(verb, line);
 }
 
+// Of the verbs that open 2D cameras.
+void AddCard(CLI::App* verb, CommandLine& line) {
+  verb->add_option("--card", line.common.card,
+                   "Configuration file of a Camera Link card, applied when the camera is opened");
+}
+
 void AddMap(CLI::App* verb, int& map) {
   verb->add_option("-m,--map", map, "Whose features: the camera's own, or those of a module on this computer")
       ->transform(CLI::CheckedTransformer(kMaps, CLI::ignore_case)
@@ -91,6 +97,7 @@ void AddInfo(CLI::App& app, CommandLine& line) {
 void AddFeatures(CLI::App& app, CommandLine& line) {
   CLI::App* verb = app.add_subcommand("features", "Show a camera's features with their values and limits");
   AddCamera(verb, line);
+  AddCard(verb, line);
   AddMap(verb, line.features.map);
   verb->add_flag("--flat", line.features.flat, "One sorted list instead of the tree of categories");
   verb->add_option("--visibility", line.features.visibility, "Up to which level features are shown (guru)")
@@ -109,6 +116,7 @@ using AccessVerb = void (*)(Console&, const CommonOptions&, const AccessOptions&
 CLI::App* AddAccess(CLI::App& app, CommandLine& line, const char* name, const char* what, AccessVerb run) {
   CLI::App* verb = app.add_subcommand(name, what);
   AddCamera(verb, line);
+  AddCard(verb, line);
   AddMap(verb, line.access.map);
   verb->callback([&line, run] {
     line.verb = [&line, run](Console& console) {
@@ -139,6 +147,7 @@ void AddAccessVerbs(CLI::App& app, CommandLine& line) {
 void AddGrab(CLI::App& app, CommandLine& line) {
   CLI::App* verb = app.add_subcommand("grab", "Grab images and write them to files");
   AddCamera(verb, line);
+  AddCard(verb, line);
   verb->add_option("-n,--count", line.grab.count, "How many images (1); 0 until Ctrl-C")
       ->check(CLI::Range(0, 100000000));
   verb->add_option("-o,--output", line.grab.folder, "Folder for the files, made when missing (this one)");

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "ChildProcess.h"
+#include "PngReader.h"
 #include "PrivateNetwork.h"
 #include "cameras/laser/Scene.h"
 
@@ -68,6 +69,8 @@ TEST_F(ZyncamSimulate, ListsOneCameraOfEachModelWithoutAConfiguration) {
     EXPECT_EQ(camera["status"], "ready") << camera;
   }
   EXPECT_NE(std::find(models.begin(), models.end(), "KEL-LP2000"), models.end()) << result.out;
+  EXPECT_EQ(list.back()["model"], "ZS-CL1280") << result.out;
+  EXPECT_EQ(list.back()["protocol"], "Camera Link");
 }
 
 TEST_F(ZyncamSimulate, NamesAVerbThatIsNotThereBehindAFlagToo) {
@@ -206,6 +209,73 @@ TEST_F(ZyncamSimulate, VerbsForProfilesRefuseCamerasForImages) {
   Configure(R"({"cameras": [{"model": "ZS-A640", "serialNumber": "A1"}]})");
   EXPECT_EQ(Run({"--simulate", "profile", "-o", folder_.string()}).exitCode, 1);
   EXPECT_EQ(Run({"--simulate", "scan", "-o", folder_.string()}).exitCode, 1);
+}
+
+/// A Camera Link camera, and a file for its card.
+class ZyncamCard : public ZyncamSimulate {
+ protected:
+  void SetUp() override {
+    ZyncamSimulate::SetUp();
+    Configure(R"({"cameras": [{"model": "ZS-CL1280", "serialNumber": "C1", "pacing": "reader"}]})");
+  }
+  std::string Card(const std::string& settings) const {
+    std::string path = (folder_ / "card.cfg").string();
+    std::ofstream(path) << settings;
+    return path;
+  }
+};
+
+TEST_F(ZyncamCard, TheFileShapesTheImages) {
+  const std::string card = Card("Width = 320\nHeight = 200 ; lines\nPixelFormat = Mono12\n");
+  const Finished result =
+      Run({"--simulate", "grab", "--card", card, "-n", "2", "-o", folder_.string(), "--json"});
+  ASSERT_EQ(result.exitCode, 0) << result.out << result.err;
+  const json report = json::parse(result.out, nullptr, false);
+  EXPECT_EQ(report["frames"], 2);
+  EXPECT_EQ(report["width"], 320);
+  EXPECT_EQ(report["height"], 200);
+  EXPECT_EQ(report["pixelFormat"], "Mono12") << "the card's, for that is what it stores";
+  const zyntest::Decoded image = zyntest::Read((folder_ / "image_00002.png").string());
+  EXPECT_EQ(image.width, 320U);
+  EXPECT_EQ(image.height, 200U);
+  EXPECT_EQ(image.significantBits, 12);
+}
+
+TEST_F(ZyncamCard, TheFileIsAppliedBeforeFeaturesAreReadAndWritten) {
+  const std::string card = Card("Width = 320\nNoSuchFeature = 1\nReverseX = True\n");
+  EXPECT_EQ(Run({"--simulate", "get", "-m", "device", "--card", card, "Width", "ReverseX", "Height"}).out,
+            "Width=320\nReverseX=true\nHeight=1024\n");
+  EXPECT_EQ(Run({"--simulate", "set", "-m", "device", "--card", card, "Height=10"}).exitCode, 0);
+  EXPECT_EQ(Run({"--simulate", "exec", "-m", "device", "--card", card, "TriggerSoftware"}).exitCode, 0);
+  const Finished features = Run({"--simulate", "features", "-m", "device", "--card", card, "--flat"});
+  EXPECT_NE(features.out.find("Width  [integer RW]  320"), std::string::npos) << features.out;
+}
+
+TEST_F(ZyncamCard, AFileThatIsMissingOrBadIsNamed) {
+  const std::string missing = (folder_ / "none.cfg").string();
+  Finished result = Run({"--simulate", "grab", "--card", missing, "--json"});
+  EXPECT_EQ(result.exitCode, 1);
+  const json error = json::parse(result.out, nullptr, false)["error"];
+  EXPECT_EQ(error["status"], 101044) << result.out;
+  EXPECT_NE(error["message"].get<std::string>().find(missing), std::string::npos);
+  result = Run({"--simulate", "get", "--card", Card("Width = wide\n"), "Width"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("101040"), std::string::npos) << result.err;
+}
+
+TEST_F(ZyncamCard, AGrabWithNothingButIncompleteFramesEnds) {
+  const std::string card = Card("Height = 2000\n");
+  const Finished result = Run({"--simulate", "grab", "--card", card, "-t", "200", "-o", folder_.string()});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("101084"), std::string::npos) << result.err;
+}
+
+TEST_F(ZyncamCard, ThreeDimensionalCamerasTakeNoFile) {
+  Configure(kOne);
+  const Finished result = Run({"--simulate", "get", "--card", Card("Width = 1\n"), "Width"});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_NE(result.err.find("3D camera"), std::string::npos) << result.err;
+  EXPECT_EQ(Run({"--simulate", "scan", "--card", "card.cfg"}).exitCode, 2) << "no option of this verb";
 }
 
 TEST_F(ZyncamSimulate, TellsWhatIsWrongWithAConfiguration) {
