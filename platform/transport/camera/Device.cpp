@@ -171,6 +171,12 @@ void Device::StartPumps() {
     WriteText(remoteMap_->Map(), event.id.c_str(), value.c_str());
   });
   start(GenTL::EVENT_REMOTE_DEVICE, [this](const GenTLEvent& event) { OnRemoteEvent(event); });
+  start(GenTL::EVENT_MODULE, [this](const GenTLEvent& event) {
+    lent_.notifier->Send(KELGENICAM::NOTIFY_SRC_LOCAL_DEVICE, KELGENICAM::NOTIFY_DEVICE_EVENT,
+                         event.value.data(), event.value.size());
+  });
+  system_->Events().Add(lent_.notifier);
+  interface_->Events().Add(lent_.notifier);
 }
 
 void Device::OnError(const GenTLEvent& event) {
@@ -196,6 +202,9 @@ bool Device::IsOnline() const {
 }
 
 void Device::ShutDown() {
+  system_->Events().Remove(lent_.notifier);
+  interface_->Events().Remove(lent_.notifier);
+  for (const auto& pump : pumps_) pump->BeginEnd();
   pumps_.clear();
   if (stream_) stream_->StopGrabbing();
   // The maps may be in the application's hands still; their ports let go of the handles here.

@@ -122,7 +122,7 @@ enum NOTIFY_SRC : int {
 enum NOTIFY_TYPE : int {
   NOTIFY_DEVICE_LOST = 0,          ///< no data
   NOTIFY_FEATURE_INVALIDATED = 1,  ///< data: the feature's name
-  NOTIFY_DEVICE_EVENT = 2,         ///< data: the event as the device sent it
+  NOTIFY_DEVICE_EVENT = 2,         ///< data: the event as the device, or the producer's module, sent it
   NOTIFY_ERROR = 3,                ///< data: a text
   NOTIFY_FRAME_DROPPED = 4  ///< data: frames dropped since the stream started, as an unsigned 64-bit integer
 };

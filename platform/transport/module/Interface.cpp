@@ -48,7 +48,8 @@ Interface::Interface(const ProducerPtr& producer, const std::shared_ptr<void>& s
       tlType_(ConcreteType(
           InterfaceText(*producer, system.get(), handle_.get(), id, GenTL::INTERFACE_INFO_TLTYPE), tlType)),
       displayName_(
-          InterfaceText(*producer, system.get(), handle_.get(), id, GenTL::INTERFACE_INFO_DISPLAYNAME)) {}
+          InterfaceText(*producer, system.get(), handle_.get(), id, GenTL::INTERFACE_INFO_DISPLAYNAME)),
+      events_(producer, handle_, KELGENICAM::NOTIFY_SRC_INTERFACE) {}
 
 bool Interface::MayCarry(unsigned long protocols) const {
   return tlType_.empty() || (ProtocolOf(tlType_) & protocols) != 0;

@@ -10,6 +10,7 @@
 #include "../discovery/CameraDescription.h"
 #include "../producer/ProducerLibrary.h"
 #include "../producer/Worker.h"
+#include "ModuleEvents.h"
 #include "ModuleNodeMap.h"
 #include "ThreadAnnotations.h"
 
@@ -45,6 +46,9 @@ class Interface {
   /// Loaded on the first call. Blocks while the description is read.
   NodeMapPtr NodeMap() ZYN_EXCLUDES(nodeMapMutex_);
 
+  /// The events of the interface module.
+  ModuleEvents& Events() { return events_; }
+
  private:
   Interface(const ProducerPtr& producer, const std::shared_ptr<void>& system, std::shared_ptr<void> handle,
             const std::string& id, const std::string& tlType);
@@ -64,6 +68,8 @@ class Interface {
 
   Mutex nodeMapMutex_;  // serialises the first loading, which reads the interface's own port and no device
   NodeMapPtr nodeMap_ ZYN_GUARDED_BY(nodeMapMutex_);
+
+  ModuleEvents events_;  // last: ends first
 };
 
 }  // namespace zyn::transport

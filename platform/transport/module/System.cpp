@@ -67,7 +67,8 @@ System::System(const ProducerPtr& producer, std::shared_ptr<void> handle)
       handle_(std::move(handle)),
       tlType_(SystemText(*producer, handle_.get(), GenTL::TL_INFO_TLTYPE)),
       name_(SystemText(*producer, handle_.get(), GenTL::TL_INFO_DISPLAYNAME)),
-      version_(SystemText(*producer, handle_.get(), GenTL::TL_INFO_VERSION)) {}
+      version_(SystemText(*producer, handle_.get(), GenTL::TL_INFO_VERSION)),
+      events_(producer, handle_, KELGENICAM::NOTIFY_SRC_TRANSPORT_LAYER) {}
 
 std::string System::Describe() const {
   const std::size_t slash = Path().rfind('/');

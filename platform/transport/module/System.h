@@ -10,6 +10,7 @@
 #include "../producer/ProducerLibrary.h"
 #include "../producer/Worker.h"
 #include "Interface.h"
+#include "ModuleEvents.h"
 #include "ModuleNodeMap.h"
 #include "ThreadAnnotations.h"
 
@@ -42,6 +43,9 @@ class System {
   /// Loaded on the first call. Blocks while the description is read.
   NodeMapPtr NodeMap() ZYN_EXCLUDES(nodeMapMutex_);
 
+  /// The events of the system module.
+  ModuleEvents& Events() { return events_; }
+
  private:
   System(const ProducerPtr& producer, std::shared_ptr<void> handle);
   static void RefreshIfAlive(const std::weak_ptr<System>& system);
@@ -63,6 +67,8 @@ class System {
 
   Mutex nodeMapMutex_;  // serialises the first loading, which reads the system's own port and no device
   NodeMapPtr nodeMap_ ZYN_GUARDED_BY(nodeMapMutex_);
+
+  ModuleEvents events_;  // last: ends first
 };
 
 }  // namespace zyn::transport

@@ -127,14 +127,21 @@ void EventPump::AwaitEnd() {
   }
 }
 
-EventPump::~EventPump() {
+void EventPump::BeginEnd() {
   State& state = *state_;
   MutexLock lock(state.mutex);
-  state.isEnding = true;
+  if (std::exchange(state.isEnding, true)) return;
   state.changed.notify_all();
-  const bool isOwnThread = state.thread == std::this_thread::get_id();
   lock.Unlock();
   if (state.producer->EventKill) state.producer->EventKill(state.event);
+}
+
+EventPump::~EventPump() {
+  BeginEnd();
+  State& state = *state_;
+  MutexLock lock(state.mutex);
+  const bool isOwnThread = state.thread == std::this_thread::get_id();
+  lock.Unlock();
   if (!isOwnThread) AwaitEnd();
   // Unregistering ends every wait, also in producers that ignore the kill.
   state.producer->GCUnregisterEvent(state.module.get(), state.type);

@@ -84,12 +84,8 @@ std::unique_ptr<Stream> Stream::Open(Context context, int& result) {
         device = nullptr;
       });
   std::unique_ptr<Stream> stream(new Stream(std::move(context), std::move(handle), std::move(stranded)));
-  stream->errors_ =
-      EventPump::Start(stream->context_.producer, stream->handle_, GenTL::EVENT_ERROR,
-                       [notifier = stream->context_.notifier](const GenTLEvent& event) {
-                         notifier->Send(KELGENICAM::NOTIFY_SRC_DATA_STREAM, KELGENICAM::NOTIFY_ERROR,
-                                        event.value.data(), event.value.size());
-                       });
+  stream->StartPump(GenTL::EVENT_ERROR, KELGENICAM::NOTIFY_ERROR);
+  stream->StartPump(GenTL::EVENT_MODULE, KELGENICAM::NOTIFY_DEVICE_EVENT);
   result = KELGENICAM::RESULT_OK;
   return stream;
 }
@@ -100,6 +96,14 @@ Stream::Stream(Context context, std::shared_ptr<void> handle,
       handle_(std::move(handle)),
       stranded_(std::move(stranded)),
       nodeMap_(ModuleNodeMap::Load(context_.producer, handle_, handle_.get(), nullptr)) {}
+
+void Stream::StartPump(GenTL::EVENT_TYPE type, KELGENICAM::NOTIFY_TYPE as) {
+  auto pump = EventPump::Start(
+      context_.producer, handle_, type, [notifier = context_.notifier, as](const GenTLEvent& event) {
+        notifier->Send(KELGENICAM::NOTIFY_SRC_DATA_STREAM, as, event.value.data(), event.value.size());
+      });
+  if (pump) pumps_.push_back(std::move(pump));
+}
 
 Stream::~Stream() {
   StopGrabbing();

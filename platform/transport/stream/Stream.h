@@ -61,6 +61,7 @@ class Stream {
 
   Stream(Context context, std::shared_ptr<void> handle,
          std::shared_ptr<std::vector<std::shared_ptr<FrameMemory>>> stranded);
+  void StartPump(GenTL::EVENT_TYPE type, KELGENICAM::NOTIFY_TYPE as);
   GenApi_3_4::INodeMap* Remote() const;
   int StartCamera(KELGENICAM::GRAB_STRATEGY strategy, int frameCount, std::shared_ptr<GrabEngine>& engine);
   GrabSetup MakeSetup(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) const;
@@ -72,7 +73,7 @@ class Stream {
   const std::shared_ptr<void> handle_;
   const std::shared_ptr<std::vector<std::shared_ptr<FrameMemory>>> stranded_;
   const NodeMapPtr nodeMap_;
-  std::unique_ptr<EventPump> errors_;  // constant after Open
+  std::vector<std::unique_ptr<EventPump>> pumps_;  // constant after Open
 
   Mutex mutex_;  // never held during a producer's call
   std::condition_variable phaseChanged_;

@@ -1,3 +1,4 @@
+#include <array>
 #include <future>
 #include <latch>
 #include <thread>
@@ -250,6 +251,72 @@ TEST_F(CameraTest, EventsReachTheirReceiverUntilItIsTakenAway) {
   ASSERT_EQ(camera->RegisterNotify(NOTIFY_SRC_REMOTE_DEVICE, NOTIFY_DEVICE_EVENT, nullptr), RESULT_OK);
   mock_.SendDeviceEvent(GenTL::EVENT_REMOTE_DEVICE, "9001", 0, "nobody");
   camera.reset();
+}
+
+struct ModuleSource {
+  const char* kind;
+  NOTIFY_SRC source;
+};
+
+constexpr ModuleSource kModuleSources[] = {{"system", NOTIFY_SRC_TRANSPORT_LAYER},
+                                           {"interface", NOTIFY_SRC_INTERFACE},
+                                           {"device", NOTIFY_SRC_LOCAL_DEVICE},
+                                           {"stream", NOTIFY_SRC_DATA_STREAM}};
+
+class ModuleEventTest : public CameraTest, public testing::WithParamInterface<ModuleSource> {};
+
+INSTANTIATE_TEST_SUITE_P(Table, ModuleEventTest, testing::ValuesIn(kModuleSources),
+                         [](const auto& source) { return std::string(source.param.kind); });
+
+TEST_P(ModuleEventTest, EventsAndErrorsOfEveryModuleReachTheReceiversOfThatModule) {
+  std::promise<std::string> event;
+  Receiver events([&](NOTIFY_SRC source, NOTIFY_TYPE, const std::string& data) {
+    EXPECT_EQ(source, GetParam().source);
+    event.set_value(data);
+  });
+  std::promise<std::string> error;
+  Receiver errors([&](NOTIFY_SRC source, NOTIFY_TYPE, const std::string& data) {
+    EXPECT_EQ(source, GetParam().source);
+    error.set_value(data);
+  });
+  const CameraPtr camera = OpenOne(mock_);
+  ASSERT_EQ(camera->RegisterNotify(GetParam().source, NOTIFY_DEVICE_EVENT, &events), RESULT_OK);
+  ASSERT_EQ(camera->RegisterNotify(GetParam().source, NOTIFY_ERROR, &errors), RESULT_OK);
+  mock_.SendModuleEvent(GetParam().kind, GenTL::EVENT_MODULE, "0001", 0, "payload");
+  mock_.SendModuleEvent(GetParam().kind, GenTL::EVENT_ERROR, "", GenTL::GC_ERR_BUSY, "busy");
+  EXPECT_EQ(event.get_future().get(), std::string("payload\0", 8));
+  EXPECT_EQ(error.get_future().get(), std::string("busy\0", 5));
+}
+
+TEST_F(CameraTest, EventsOfASharedModuleReachEveryOpenCameraAndNoClosedOne) {
+  mock_.SetInterfaces({MockInterface{"if0", "GEV", {{"a", "SN1"}, {"b", "SN2"}, {"c", "SN3"}}}});
+  ASSERT_EQ(Init(), RESULT_OK);
+  std::array<std::promise<void>, 2> told;
+  Receiver first([&](NOTIFY_SRC, NOTIFY_TYPE, const std::string&) { told[0].set_value(); });
+  Receiver second([&](NOTIFY_SRC, NOTIFY_TYPE, const std::string&) { told[1].set_value(); });
+  Receiver never(
+      [&](NOTIFY_SRC, NOTIFY_TYPE, const std::string&) { ADD_FAILURE() << "the camera is closed"; });
+  std::vector<CameraPtr> cameras;
+  for (auto* const info : Discover()) {
+    cameras.emplace_back(CreateCamera(info));
+    ASSERT_EQ(cameras.back()->Open(ACCESS_CONTROL), RESULT_OK);
+  }
+  ASSERT_EQ(cameras.size(), 3U);
+  const std::array<Receiver*, 3> receivers = {&first, &second, &never};
+  for (std::size_t i = 0; i < 3; ++i) {
+    ASSERT_EQ(cameras[i]->RegisterNotify(NOTIFY_SRC_INTERFACE, NOTIFY_DEVICE_EVENT, receivers[i]), RESULT_OK);
+  }
+  ASSERT_EQ(cameras[2]->Close(), RESULT_OK);
+  mock_.SendModuleEvent("interface", GenTL::EVENT_MODULE, "0001", 0, "gone");
+  told[0].get_future().get();
+  told[1].get_future().get();
+}
+
+TEST_F(CameraTest, AProducerThatOffersNoEventsOfItsModulesServesAllTheSame) {
+  mock_.SetHook("GCRegisterEvent", [](const std::string&) { return GenTL::GC_ERR_NOT_IMPLEMENTED; });
+  const CameraPtr camera = OpenOne(mock_);
+  EXPECT_TRUE(camera->IsOnline());
+  EXPECT_EQ(camera->RegisterNotify(NOTIFY_SRC_TRANSPORT_LAYER, NOTIFY_ERROR, nullptr), RESULT_OK);
 }
 
 TEST_F(CameraTest, AnErrorWithoutLossIsOnlyNotified) {

@@ -41,6 +41,7 @@ struct EventQueue {
 };
 
 struct Buffer {
+  std::vector<unsigned char> own;  // memory that the producer allocated
   unsigned char* base = nullptr;
   std::size_t size = 0;
   void* user = nullptr;
@@ -48,6 +49,7 @@ struct Buffer {
   MockFrame frame;
   std::size_t filled = 0;
   std::vector<SINGLE_CHUNK_DATA> layout;
+  std::vector<std::size_t> partOffsets;
 };
 
 enum class Kind { kSystem, kInterface, kDevice, kRemote, kStream };
@@ -129,8 +131,16 @@ class Producer final : public MockProducer {
   static void Fill(Buffer& buffer, const MockFrame& frame) {
     buffer.frame = frame;
     buffer.layout.clear();
-    const bool hasImage = frame.payloadType != PAYLOAD_TYPE_CHUNK_ONLY;
+    buffer.partOffsets.clear();
+    const bool hasParts = frame.payloadType == PAYLOAD_TYPE_MULTI_PART;
+    const bool hasImage = frame.payloadType != PAYLOAD_TYPE_CHUNK_ONLY && !hasParts;
     std::vector<unsigned char> data;
+    std::vector<unsigned char> allParts;
+    for (const MockPart& part : frame.parts) {
+      buffer.partOffsets.push_back(allParts.size());
+      allParts.insert(allParts.end(), part.width * part.height, part.fill);
+      allParts.insert(allParts.end(), part.padding, 0xEE);
+    }
     const auto append = [&](std::uint64_t id, const std::vector<unsigned char>& bytes) {
       buffer.layout.push_back({id, static_cast<std::ptrdiff_t>(data.size()), bytes.size()});
       data.insert(data.end(), bytes.begin(), bytes.end());
@@ -139,10 +149,12 @@ class Producer final : public MockProducer {
           data.push_back(static_cast<unsigned char>(number >> shift));
       }
     };
-    const std::vector<unsigned char> image(hasImage ? frame.width * frame.height : 0, frame.fill);
+    const std::vector<unsigned char> image =
+        hasParts ? allParts
+                 : std::vector<unsigned char>(hasImage ? frame.width * frame.height : 0, frame.fill);
     if (frame.chunks.empty()) {
       data = image;
-    } else if (hasImage) {
+    } else if (hasImage || hasParts) {
       append(1, image);
     }
     for (const MockChunk& chunk : frame.chunks) append(chunk.id, chunk.data);
@@ -160,9 +172,18 @@ class Producer final : public MockProducer {
 
   void SendDeviceEvent(EVENT_TYPE type, const std::string& id, std::int32_t code,
                        const std::string& value) override {
+    SendModuleEvent("device", type, id, code, value);
+  }
+
+  void SendModuleEvent(const std::string& kind, EVENT_TYPE type, const std::string& id, std::int32_t code,
+                       const std::string& value) override {
+    static const std::map<std::string, Kind> kinds = {{"system", Kind::kSystem},
+                                                      {"interface", Kind::kInterface},
+                                                      {"device", Kind::kDevice},
+                                                      {"stream", Kind::kStream}};
     const std::lock_guard lock(mutex);
     for (const auto& module : modules) {
-      if (module->kind != Kind::kDevice) continue;
+      if (module->kind != kinds.at(kind)) continue;
       const auto it = module->queues.find(type);
       if (it != module->queues.end()) it->second->events.push_back(Event{id, code, value});
     }
@@ -202,6 +223,15 @@ class Producer final : public MockProducer {
     const std::lock_guard lock(mutex);
     std::size_t count = 0;
     for (const auto& module : modules) count += module->buffers.size();
+    return count;
+  }
+
+  std::size_t Allocated() override {
+    const std::lock_guard lock(mutex);
+    std::size_t count = 0;
+    for (const auto& module : modules) {
+      for (const auto& buffer : module->buffers) count += buffer->own.empty() ? 0 : 1;
+    }
     return count;
   }
 
@@ -745,8 +775,10 @@ GC_ERROR GCWritePort(PORT_HANDLE handle, uint64_t address, const void* buffer, s
 
 GC_ERROR GCRegisterEvent(EVENTSRC_HANDLE handle, EVENT_TYPE type, EVENT_HANDLE* event) {
   ENTER("");
-  FIND(module, handle, Kind::kDevice, Kind::kStream);
-  const bool isOffered = module->kind == Kind::kStream ? type == EVENT_NEW_BUFFER : type != EVENT_NEW_BUFFER;
+  FIND(module, handle, Kind::kSystem, Kind::kInterface, Kind::kDevice, Kind::kStream);
+  const bool isForAll = type == EVENT_ERROR || type == EVENT_MODULE;
+  const bool isOffered = isForAll || (module->kind == Kind::kStream && type == EVENT_NEW_BUFFER) ||
+                         (module->kind == Kind::kDevice && type != EVENT_NEW_BUFFER);
   if (!isOffered) return GC_ERR_NOT_IMPLEMENTED;
   if (module->queues.count(type) != 0) return GC_ERR_RESOURCE_IN_USE;
   auto queue = std::make_shared<EventQueue>();
@@ -760,7 +792,7 @@ GC_ERROR GCRegisterEvent(EVENTSRC_HANDLE handle, EVENT_TYPE type, EVENT_HANDLE* 
 
 GC_ERROR GCUnregisterEvent(EVENTSRC_HANDLE handle, EVENT_TYPE type) {
   ENTER("");
-  FIND(module, handle, Kind::kDevice, Kind::kStream);
+  FIND(module, handle, Kind::kSystem, Kind::kInterface, Kind::kDevice, Kind::kStream);
   const auto it = module->queues.find(type);
   if (it == module->queues.end()) return GC_ERR_NOT_INITIALIZED;
   it->second->isGone = true;
@@ -890,6 +922,19 @@ GC_ERROR DSAnnounceBuffer(DS_HANDLE handle, void* base, size_t bytes, void* user
   return GC_ERR_SUCCESS;
 }
 
+GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE handle, size_t bytes, void* user, BUFFER_HANDLE* announced) {
+  ENTER("");
+  FIND(module, handle, Kind::kStream);
+  auto buffer = std::make_unique<Buffer>();
+  buffer->own.resize(bytes);
+  buffer->base = buffer->own.data();
+  buffer->size = bytes;
+  buffer->user = user;
+  *announced = buffer.get();
+  module->buffers.push_back(std::move(buffer));
+  return GC_ERR_SUCCESS;
+}
+
 GC_ERROR DSQueueBuffer(DS_HANDLE handle, BUFFER_HANDLE announced) {
   ENTER("");
   FIND(module, handle, Kind::kStream);
@@ -962,6 +1007,40 @@ GC_ERROR DSGetBufferInfoStacked(DS_HANDLE handle, BUFFER_HANDLE buffer, DS_BUFFE
     questions[i].iSize = size;
   }
   return module ? GC_ERR_SUCCESS : GC_ERR_ERROR;
+}
+
+GC_ERROR DSGetNumBufferParts(DS_HANDLE handle, BUFFER_HANDLE buffer, uint32_t* count) {
+  ENTER("");
+  FIND(module, handle, Kind::kStream);
+  const MockFrame& frame = static_cast<Buffer*>(buffer)->frame;
+  if (frame.payloadType != PAYLOAD_TYPE_MULTI_PART) return GC_ERR_NO_DATA;
+  *count = module ? static_cast<uint32_t>(frame.parts.size()) : 0;
+  return GC_ERR_SUCCESS;
+}
+
+GC_ERROR DSGetBufferPartInfo(DS_HANDLE handle, BUFFER_HANDLE announced, uint32_t index,
+                             BUFFER_PART_INFO_CMD command, INFO_DATATYPE* type, void* out, size_t* size) {
+  ENTER("");
+  FIND(module, handle, Kind::kStream);
+  const auto& buffer = *static_cast<Buffer*>(announced);
+  if (index >= buffer.frame.parts.size() || !module) return GC_ERR_INVALID_INDEX;
+  const MockPart& part = buffer.frame.parts[index];
+  switch (command) {
+    case BUFFER_PART_INFO_BASE:
+      return PutNumber(INFO_DATATYPE_PTR, buffer.base + buffer.partOffsets[index], type, out, size);
+    case BUFFER_PART_INFO_DATA_SIZE:
+      return PutSize(part.width * part.height, type, out, size);
+    case BUFFER_PART_INFO_DATA_TYPE:
+      return PutSize(part.type, type, out, size);
+    case BUFFER_PART_INFO_DATA_FORMAT:
+      return PutNumber(INFO_DATATYPE_UINT64, part.format, type, out, size);
+    case BUFFER_PART_INFO_WIDTH:
+      return PutSize(part.width, type, out, size);
+    case BUFFER_PART_INFO_HEIGHT:
+      return PutSize(part.height, type, out, size);
+    default:
+      return GC_ERR_NOT_IMPLEMENTED;
+  }
 }
 
 GC_ERROR DSGetBufferChunkData(DS_HANDLE handle, BUFFER_HANDLE announced, SINGLE_CHUNK_DATA* chunks,

@@ -34,6 +34,16 @@ struct MockInterface {
   std::vector<MockDevice> devices = {};
 };
 
+/// One part of a multi-part buffer: `width` x `height` bytes filled with `fill`, then `padding` bytes.
+struct MockPart {
+  std::size_t type = GenTL::PART_DATATYPE_2D_IMAGE;
+  std::size_t width = 4;
+  std::size_t height = 2;
+  std::uint64_t format = 0x01080001;  ///< Mono8
+  unsigned char fill = 0;
+  std::size_t padding = 0;
+};
+
 struct MockChunk {
   std::uint64_t id;
   std::vector<unsigned char> data;
@@ -52,6 +62,7 @@ struct MockFrame {
   bool isTooLarge = false;
   bool isNew = true;
   std::vector<MockChunk> chunks = {};
+  std::vector<MockPart> parts = {};  ///< for PAYLOAD_TYPE_MULTI_PART, instead of the image
 };
 
 /// Everything may be called from any thread.
@@ -82,6 +93,10 @@ class MockProducer {
   virtual void SendDeviceEvent(GenTL::EVENT_TYPE type, const std::string& id, std::int32_t code,
                                const std::string& value) = 0;
 
+  /// The same on every open module of another kind; `kind` is "system", "interface", "device" or "stream".
+  virtual void SendModuleEvent(const std::string& kind, GenTL::EVENT_TYPE type, const std::string& id,
+                               std::int32_t code, const std::string& value) = 0;
+
   /// Waits until a thread waits for a new buffer and there is none. False after ten seconds.
   virtual bool AwaitFetching() = 0;
   /// Waits until that many buffers are queued for filling. False after ten seconds.
@@ -92,8 +107,9 @@ class MockProducer {
 
   virtual std::size_t Queued() = 0;
   virtual std::size_t Announced() = 0;
-  virtual int OpenHandles() = 0;  ///< systems, interfaces, devices, streams
-  virtual int Mistakes() = 0;     ///< calls with dead handles, double queues, revokes of queued buffers
+  virtual std::size_t Allocated() = 0;  ///< announced buffers whose memory is the producer's
+  virtual int OpenHandles() = 0;        ///< systems, interfaces, devices, streams
+  virtual int Mistakes() = 0;           ///< calls with dead handles, double queues, revokes of queued buffers
   virtual std::string FirstMistake() = 0;
   virtual int Calls(const std::string& function) = 0;
   /// The remote device's registers, by address; 4 bytes, little endian.
