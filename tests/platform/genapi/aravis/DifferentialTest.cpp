@@ -398,11 +398,14 @@ const Difference kRounding = {"a real number written to an integer is rounded, t
 const Difference kCategoryVisibility = {
     "a category shows as soon as one of its features does, theirs by its own word",
     [](const Answers& a) { return a.question == "visibility" && dynamic_cast<ICategory*>(&a.node); }};
-const Difference kNoChunk = {
-    "without a frame there is no chunk, theirs says it is available", [](const Answers& a) {
-      const bool isChunk = a.name.rfind("Chunk", 0) == 0;
-      return isChunk && a.node.GetAccessMode() == NA && (a.ours == "0" || a.ours == kError);
-    }};
+bool IsWithoutData(const Answers& a, const char* prefix, EAccessMode mode) {
+  return a.name.rfind(prefix, 0) == 0 && a.node.GetAccessMode() == mode &&
+         (a.ours == "0" || a.ours == kError);
+}
+const Difference kNoChunk = {"without a frame there is no chunk, theirs says it is available",
+                             [](const Answers& a) { return IsWithoutData(a, "Chunk", NA); }};
+const Difference kNoEvent = {"without an adapter there are no events, theirs says their data is available",
+                             [](const Answers& a) { return IsWithoutData(a, "Event", NI); }};
 
 class Comparison {
  public:
@@ -532,7 +535,7 @@ TEST(Differential, TheirFakeCameraIsReadAndWrittenAlike) {
 class EveryModel : public testing::TestWithParam<std::string> {};
 
 TEST_P(EveryModel, IsReadAndWrittenAlike) {
-  std::vector<Difference> differences = {kNoDisplayName, kCategoryVisibility};
+  std::vector<Difference> differences = {kNoDisplayName, kCategoryVisibility, kNoEvent};
   if (!zyn::cameras::FindModel(GetParam())->isCameraLink) differences.push_back(kNoChunk);
   Comparison comparison(Simulated(GetParam()), Simulated(GetParam()), differences);
   comparison.CompareAll("as delivered");
