@@ -107,6 +107,17 @@ int ChildProcess::End(int signal) {
   return exitCode;
 }
 
+void ChildProcess::Suspend() const {
+  kill(pid_, SIGSTOP);
+  int status = 0;
+  while (waitpid(pid_, &status, WUNTRACED) < 0 && errno == EINTR) {
+  }
+}
+
+void ChildProcess::Resume() const {
+  kill(pid_, SIGCONT);
+}
+
 std::string ChildProcess::NextLine() {
   constexpr int kLongestWaitMs = 60'000;
   std::size_t end = pending_.find('\n');

@@ -28,6 +28,9 @@ class ChildProcess {
   /// Sends a signal and waits until the program has ended. Returns its exit code, 128 + signal when it was ended
   /// by one, and -1 when it had ended before.
   int End(int signal);
+  /// Stops the program in the middle of what it does, and returns when it stands still. Only while it runs.
+  void Suspend() const;
+  void Resume() const;
 
   /// Waits for the next line that the program writes. Throws std::runtime_error when it ends without another,
   /// or writes none for a minute.

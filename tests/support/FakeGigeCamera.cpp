@@ -69,7 +69,11 @@ class ControlChannel {
 
 }  // namespace
 
-FakeGigeCamera::FakeGigeCamera(int number) : number_(number) {
+FakeGigeCamera::FakeGigeCamera(int number) : FakeGigeCamera(number, false) {}
+
+FakeGigeCamera::FakeGigeCamera(int number, Bare) : FakeGigeCamera(number, true) {}
+
+FakeGigeCamera::FakeGigeCamera(int number, bool isBare) : number_(number), isBare_(isBare) {
   std::array<char, 16> serial{};
   std::snprintf(serial.data(), serial.size(), "GV%02d", number);
   serial_ = serial.data();
@@ -81,11 +85,13 @@ FakeGigeCamera::FakeGigeCamera(int number) : number_(number) {
 void FakeGigeCamera::Start() {
   process_.emplace(std::vector<std::string>{"arv-fake-gv-camera-0.8", "-i", address_, "-s", serial_});
   const ControlChannel channel(address_);
+  bool isReady = channel.Ask(kDiscovery, {});
   // The program leaves out what a factory writes into a camera: its MAC address, and a subnet mask.
-  const bool isReady = channel.Ask(kDiscovery, {}) &&
-                       channel.Ask(kWriteRegister, {kMacHighRegister, 0x0200}) &&
-                       channel.Ask(kWriteRegister, {kMacLowRegister, static_cast<std::uint32_t>(number_)}) &&
-                       channel.Ask(kWriteRegister, {kSubnetMaskRegister, 0xff000000});
+  if (!isBare_) {
+    isReady = isReady && channel.Ask(kWriteRegister, {kMacHighRegister, 0x0200}) &&
+              channel.Ask(kWriteRegister, {kMacLowRegister, static_cast<std::uint32_t>(number_)}) &&
+              channel.Ask(kWriteRegister, {kSubnetMaskRegister, 0xff000000});
+  }
   if (!isReady) throw std::runtime_error("the fake camera does not answer");
 }
 
@@ -99,6 +105,14 @@ void FakeGigeCamera::PretendAddress(std::uint32_t address, std::uint32_t mask) c
 
 void FakeGigeCamera::Kill() {
   process_->End(SIGKILL);
+}
+
+void FakeGigeCamera::Freeze() const {
+  process_->Suspend();
+}
+
+void FakeGigeCamera::Thaw() const {
+  process_->Resume();
 }
 
 }  // namespace zyntest

@@ -9,7 +9,7 @@
 
 #include "AravisBackend.h"
 #include "BackendFixtures.h"
-#include "FakeCamera.h"
+#include "FakeGigeCamera.h"
 #include "gige/RegisterClient.h"
 
 namespace zyn::aravis {
@@ -20,12 +20,12 @@ using producer::FrameInfo;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
-using test::FakeCamera;
 using test::ReadWord;
 using test::TestBuffer;
 using test::TestListener;
 using test::TestSink;
 using test::WriteWord;
+using zyntest::FakeGigeCamera;
 
 constexpr std::uint64_t kAcquisition = 0x124;  // the fake camera's register: 1 starts, 0 stops
 constexpr std::uint64_t kFramePeriod = 0x138;  // microseconds
@@ -67,14 +67,14 @@ class AravisBackendTest : public testing::Test {
     }
   }
 
-  FakeCamera camera_{"127.0.0.1", "GV01"};
+  FakeGigeCamera camera_{1, FakeGigeCamera::Bare()};
   AravisBackend backend_;
   std::unique_ptr<producer::Interface> interface_;
   std::unique_ptr<TestListener> listener_;
 };
 
 TEST_F(AravisBackendTest, FindsTheCamerasOfAnAdapterWithAllTheirTexts) {
-  const FakeCamera second("127.0.0.2", "GV02");
+  const FakeGigeCamera second(2, FakeGigeCamera::Bare());
   const auto devices = interface_->FindDevices(milliseconds(1000));
   ASSERT_EQ(devices.size(), 2U);
   EXPECT_EQ(devices[0].id, "GV01");
@@ -315,7 +315,7 @@ TEST_F(AravisBackendTest, AKilledCameraIsLostClosesAtOnceAndComesBack) {
   device.reset();
   EXPECT_LT(steady_clock::now() - start, milliseconds(700)) << "nobody waits for a dead camera";
 
-  camera_.Restart();
+  camera_.Start();
   device = Open();
   TestSink fresh;
   stream = device->OpenStream(0, fresh);

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "FakeCamera.h"
+#include "FakeGigeCamera.h"
 #include "GenTL/GenTL.h"
 #include "gige/RegisterClient.h"
 
@@ -21,6 +21,7 @@ namespace {
 using namespace GenTL;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
+using zyntest::FakeGigeCamera;
 
 constexpr std::uint64_t kAcquisition = 0x124;  // registers of the fake camera
 constexpr std::uint64_t kFramePeriod = 0x138;
@@ -188,7 +189,7 @@ class ProducerTest : public testing::Test {
     return value;
   }
 
-  FakeCamera camera_{"127.0.0.1", "GV01"};
+  FakeGigeCamera camera_{1, FakeGigeCamera::Bare()};
   Producer producer_;
   TL_HANDLE system_ = nullptr;
   IF_HANDLE interface_ = nullptr;
@@ -199,7 +200,7 @@ class ProducerTest : public testing::Test {
 };
 
 TEST_F(ProducerTest, ListsCamerasWithAllTheirFields) {
-  const FakeCamera second("127.0.0.2", "GV02");
+  const FakeGigeCamera second(2, FakeGigeCamera::Bare());
   EXPECT_EQ(Search(), (std::vector<std::string>{"GV01", "GV02"}));
   EXPECT_EQ(DeviceText("GV02", DEVICE_INFO_SERIAL_NUMBER), "GV02");
   EXPECT_EQ(DeviceText("GV02", DEVICE_INFO_VENDOR), "Aravis");
@@ -302,7 +303,7 @@ TEST_F(ProducerTest, AKilledCameraIsReportedAndOpensAgainAfterItsRestart) {
   EXPECT_EQ(ZYN_GC(DevClose)(device_), GC_ERR_SUCCESS);
   EXPECT_LT(steady_clock::now() - start, seconds(1)) << "closing does not wait for a dead camera";
 
-  camera_.Restart();
+  camera_.Start();
   ASSERT_EQ(Open(), GC_ERR_SUCCESS);
   OpenStream();
   StartStream(4);
