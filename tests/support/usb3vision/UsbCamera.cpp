@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
@@ -18,9 +19,17 @@ namespace {
 
 constexpr const char* kController = "/devices/pci0000:00/0000:00:14.0/usb1";
 
-// One for the process: what it stands for is the machine. It is never taken down, because libraries keep watching it.
+// One for the process: what it stands for is the machine. It is never taken down, because libraries keep watching it;
+// only its files go with the process.
 UMockdevTestbed* Machine() {
   static UMockdevTestbed* const machine = umockdev_testbed_new();
+  static const bool isRemovedAtExit = std::atexit([] {
+                                        gchar* const root = umockdev_testbed_get_root_dir(machine);
+                                        std::error_code ignored;
+                                        std::filesystem::remove_all(root, ignored);
+                                        g_free(root);
+                                      }) == 0;
+  static_cast<void>(isRemovedAtExit);
   return machine;
 }
 
