@@ -69,8 +69,8 @@ class FakeCamera : public KELGENICAM::ICamera {
   // What was asked.
   CallLog calls;
   int accessMode = -1;
-  KELGENICAM::GRAB_STRATEGY strategy{};
-  int count = 0;
+  std::atomic<KELGENICAM::GRAB_STRATEGY> strategy{};
+  std::atomic<int> count{0};
   std::atomic<int> timeoutMs{0};
   std::string paramName, paramValue;
   KELGENICAM::NOTIFY_SRC notifySource{};
