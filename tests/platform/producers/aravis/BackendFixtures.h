@@ -61,6 +61,10 @@ class TestSink final : public producer::StreamSink {
     while (started_ < count) lock.Wait(changed_);
   }
 
+  std::uint64_t Started() {
+    const MutexLock lock(mutex_);
+    return started_;
+  }
   std::size_t Taken() {
     const MutexLock lock(mutex_);
     return taken_;

@@ -95,15 +95,37 @@ class FrameTest : public testing::Test {
     stream_ = device_->OpenStream(0, sink_);
     for (int i = 0; i < 4; ++i) sink_.Announce(bufferBytes);
     stream_->Start();
+    Settle();
   }
 
-  TestSink::Delivery Receive(const WireFrame& frame) {
+  // What the receiver hears before its filter stands, such as the camera's control traffic, may cost the first frames: the
+  // tests begin when one has come.
+  void Settle() {
+    for (int attempt = 0; attempt < 10; ++attempt) {
+      Send(PlainFrame());
+      const auto delivery = sink_.Wait(seconds(2));
+      if (!delivery) continue;
+      sink_.Queue(*delivery->buffer);
+      while (const auto late = sink_.Wait(milliseconds(0))) sink_.Queue(*late->buffer);
+      stream_->OnBuffersQueued();
+      return;
+    }
+    throw std::runtime_error("no frame comes through");
+  }
+
+  // Numbered one after the other.
+  void Send(WireFrame frame) {
+    frame.id = next_++;
     camera_->Send(frame);
+  }
+  TestSink::Delivery Receive(const WireFrame& frame) {
+    Send(frame);
     auto delivery = sink_.Wait(seconds(5));
     if (!delivery) throw std::runtime_error("no frame");
     return std::move(*delivery);
   }
 
+  std::uint16_t next_ = 1;
   std::unique_ptr<StreamingDevice> camera_;
   AravisBackend backend_;
   std::unique_ptr<producer::Interface> interface_;
@@ -196,41 +218,48 @@ TEST_F(FrameTest, ChunkDataAloneHasNoImage) {
 
 TEST_F(FrameTest, AFrameWithALostPacketIsIncomplete) {
   Start(kImageBytes, kImageBytes);
-  WireFrame frame = PlainFrame(1);
+  const std::uint64_t underruns = sink_.Underruns();
+  const std::uint64_t id = next_;
+  WireFrame frame = PlainFrame();
   frame.dropped = {2};
-  camera_->Send(frame);
-  const auto [buffer, info] = Receive(PlainFrame(2));
-  EXPECT_EQ(info.frameId, 1U);
+  Send(frame);
+  const auto [buffer, info] = Receive(PlainFrame());
+  EXPECT_EQ(info.frameId, id);
   EXPECT_TRUE(info.incomplete);
   EXPECT_FALSE(info.largerThanBuffer);
   EXPECT_EQ(info.dataSize, kImageBytes);
   const auto next = sink_.Wait(seconds(5));
   ASSERT_TRUE(next);
   EXPECT_FALSE(next->info.incomplete);
-  EXPECT_EQ(sink_.Underruns(), 0U);
+  EXPECT_EQ(sink_.Underruns(), underruns);
 }
 
 TEST_F(FrameTest, AFrameWithoutItsLeaderIsIncompleteAndHasNoGeometry) {
   Start(kImageBytes, kImageBytes);
   // Every buffer has held a frame before, whose description must not show up again.
-  for (std::uint16_t id = 1; id <= 4; ++id) sink_.Queue(*Receive(PlainFrame(id)).buffer);
+  for (int i = 0; i < 4; ++i) sink_.Queue(*Receive(PlainFrame()).buffer);
   stream_->OnBuffersQueued();
-  WireFrame frame = PlainFrame(5);
+  const std::uint64_t id = next_;
+  WireFrame frame = PlainFrame();
   frame.dropped = {0};
-  camera_->Send(frame);
-  const auto [buffer, info] = Receive(PlainFrame(6));
-  EXPECT_EQ(info.frameId, 5U);
+  Send(frame);
+  const auto [buffer, info] = Receive(PlainFrame());
+  EXPECT_EQ(info.frameId, id);
   EXPECT_TRUE(info.incomplete);
   EXPECT_FALSE(info.imagePresent);
   EXPECT_FALSE(info.width.has_value());
 }
 
 TEST_F(FrameTest, WholeFramesThatAreMissingAreCounted) {
+  next_ = 65500;
   Start(kImageBytes, kImageBytes);
-  Receive(PlainFrame(65534));
-  const auto [buffer, info] = Receive(PlainFrame(3));
+  next_ = 65534;
+  Receive(PlainFrame());
+  const std::uint64_t underruns = sink_.Underruns();
+  next_ = 3;
+  const auto [buffer, info] = Receive(PlainFrame());
   EXPECT_EQ(info.frameId, 65538U);
-  EXPECT_EQ(sink_.Underruns(), 3U);
+  EXPECT_EQ(sink_.Underruns(), underruns + 3);
 }
 
 TEST_F(FrameTest, ChunksThatAreCutOffMakeTheFrameIncomplete) {
@@ -256,11 +285,12 @@ TEST_F(FrameTest, AShorterImageHasFewerLines) {
 
 TEST_F(FrameTest, AFrameInProgressWhenStoppedIsDeliveredIncomplete) {
   Start(kImageBytes, kImageBytes);
-  Receive(PlainFrame(1));
-  WireFrame frame = PlainFrame(2);
+  Receive(PlainFrame());
+  const std::uint64_t begun = sink_.Started();
+  WireFrame frame = PlainFrame();
   frame.dropped = {6};  // all but the trailer come
-  camera_->Send(frame);
-  sink_.WaitForStarted(2);
+  Send(frame);
+  sink_.WaitForStarted(begun + 1);
   stream_->Stop(true);
   const auto delivery = sink_.Wait(milliseconds(0));
   ASSERT_TRUE(delivery);
