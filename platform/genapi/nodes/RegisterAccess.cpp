@@ -125,7 +125,7 @@ std::span<const std::uint8_t> RegisterAccess::Known() {
   return memory.bytes;
 }
 
-void RegisterAccess::Write(std::span<const std::uint8_t> bytes) {
+bool RegisterAccess::Write(std::span<const std::uint8_t> bytes) {
   const std::int64_t address = Address();
   const std::int64_t length = Length();
   Use(address, length).valid = false;
@@ -136,6 +136,7 @@ void RegisterAccess::Write(std::span<const std::uint8_t> bytes) {
   memory.valid = isWhole && OwnCachingMode() == WriteThrough;
   for (const NodeId user : memory.users)
     if (user != owner_.Id()) WriteCall::MarkSibling(owner_.Map(), user);
+  return memory.valid;
 }
 
 EAccessMode RegisterAccess::BaseAccess() {

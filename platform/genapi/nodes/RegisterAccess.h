@@ -27,8 +27,9 @@ class RegisterAccess {
   std::span<const std::uint8_t> Read(bool ignoreCache);
   /// The bytes known without asking the device; empty when there are none.
   std::span<const std::uint8_t> Known();
-  /// Writes the first bytes of the register. On failure nothing is known about it any more.
-  void Write(std::span<const std::uint8_t> bytes);
+  /// Writes the first bytes of the register. On failure nothing is known about it any more. Returns whether the bytes
+  /// written are remembered.
+  bool Write(std::span<const std::uint8_t> bytes);
 
   EAccessMode BaseAccess();
   ECachingMode OwnCachingMode() const;

@@ -49,7 +49,7 @@ void RegisterNode::WriteText(const gcstring& text, bool) {
     ZYN_THROW(InvalidArgumentException, "'%s' is not the content of this register.", text.c_str());
   WriteCall::MarkWritten(*this);
   valueValid_ = false;
-  register_.Write(*bytes);
+  valueValid_ = register_.Write(*bytes);
 }
 
 }  // namespace zyn::genapi

@@ -3,6 +3,7 @@
 #define ZYN_GENAPI_NODES_REGISTERNODE_H
 
 #include <algorithm>
+#include <type_traits>
 
 #include "nodes/RegisterAccess.h"
 #include "nodes/ValueNode.h"
@@ -27,7 +28,8 @@ class WithRegister : public Base, virtual public IRegister {
     CheckBuffer(pBuffer, Length);
     WriteCall::MarkWritten(*this);
     this->valueValid_ = false;
-    register_.Write({pBuffer, static_cast<std::size_t>(Length)});
+    const bool isRemembered = register_.Write({pBuffer, static_cast<std::size_t>(Length)});
+    if constexpr (kBytesAreTheValue) this->valueValid_ = isRemembered;
     call.Commit(Verify);
   }
 
@@ -36,6 +38,7 @@ class WithRegister : public Base, virtual public IRegister {
     this->RequireReadable();
     CheckBuffer(pBuffer, Length);
     const auto bytes = register_.Read(IgnoreCache);
+    if constexpr (kBytesAreTheValue) this->valueValid_ = !IgnoreCache && this->CachingMode() != NoCache;
     std::copy_n(bytes.begin(), static_cast<std::size_t>(Length), pBuffer);
     if (Verify) this->CheckError();
   }
@@ -63,6 +66,9 @@ class WithRegister : public Base, virtual public IRegister {
   RegisterAccess register_;
 
  private:
+  // Others make a number or a text of them.
+  static constexpr bool kBytesAreTheValue = std::is_same_v<Base, ValueNode<IValue>>;
+
   void CheckBuffer(const uint8_t* buffer, int64_t length) {
     if (!buffer || length < 0)
       ZYN_THROW(InvalidArgumentException, "The buffer is null or its length negative.");

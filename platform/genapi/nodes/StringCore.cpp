@@ -42,6 +42,10 @@ void StringCore::WriteText(const gcstring& text, bool verify) {
   RequireWritable();
   WriteCall::MarkWritten(*this);
   Put(text, verify);
+  value_ = text;
+  // Behind a NUL nothing is read back.
+  valueValid_ =
+      verify && CachingMode() == WriteThrough && KeepsWrittenText() && text.find('\0') == gcstring::npos;
 }
 
 }  // namespace zyn::genapi

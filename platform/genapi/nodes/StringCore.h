@@ -25,6 +25,8 @@ class StringCore : public ValueNode<IString> {
  protected:
   virtual gcstring Compute(ReadMode read) = 0;
   virtual void Put(const gcstring& text, bool verify) = 0;
+  /// Whether a text that was put is what would be read.
+  virtual bool KeepsWrittenText() const { return true; }
 
  private:
   gcstring value_;

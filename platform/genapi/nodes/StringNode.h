@@ -33,6 +33,11 @@ class StringNode final : public StringCore {
     }
   }
 
+  // A node of another kind may write the same in other words.
+  bool KeepsWrittenText() const override {
+    return target_ == kNoNode || dynamic_cast<const StringCore*>(&At(target_)) != nullptr;
+  }
+
  private:
   const NodeId target_;
   gcstring constant_;

@@ -225,6 +225,28 @@ TEST(Conversions, OfIntegersOverOtherKinds) {
   EXPECT_EQ(camera.Text("E"), "A");
 }
 
+TEST(Conversions, LimitsPassThroughIntegersAndFloats) {
+  Camera camera(
+      "<Float Name=\"F\"><Value>0</Value><Min>-1.4</Min><Max>2.6</Max></Float>"
+      "<Integer Name=\"OfF\"><pValue>F</pValue></Integer><Float Name=\"OfOfF\"><pValue>OfF</pValue></Float>" +
+      Register("IntReg", "Far", 0x10, 8) +
+      "<Integer Name=\"Limited\"><Value>-2</Value><pMax>Far</pMax></Integer>"
+      "<Float Name=\"Real\"><Value>-2</Value><pMax>Far</pMax></Float>");
+  EXPECT_EQ(camera.Integer("OfF").GetMin(), -1);
+  EXPECT_EQ(camera.Integer("OfF").GetMax(), 3) << "rounded as the value is";
+  EXPECT_THROW(camera.Integer("OfF").SetValue(3), OutOfRangeException) << "which the float itself refuses";
+  camera.Integer("OfF").SetValue(2);
+  EXPECT_EQ(camera.Float("F").GetValue(), 2);
+  EXPECT_EQ(camera.Float("OfOfF").GetMax(), 3);
+  EXPECT_EQ(camera.Float("OfOfF").GetInc(), 1);
+  // All bits set are -1, also where a limit is meant.
+  for (int i = 0; i < 8; ++i) camera.port.bytes[static_cast<std::size_t>(0x10 + i)] = 0xFF;
+  EXPECT_EQ(camera.Integer("Limited").GetMax(), -1);
+  EXPECT_EQ(camera.Float("Real").GetMax(), -1);
+  EXPECT_THROW(camera.Integer("Limited").SetValue(0), OutOfRangeException);
+  EXPECT_NO_THROW(camera.Integer("Limited").SetValue(-1));
+}
+
 TEST(Conversions, WhereATargetIsOfNoUseTheUseFails) {
   Camera camera(
       "<String Name=\"S\"><Value>x</Value></String><Integer Name=\"OfS\"><pValue>S</pValue></Integer>"
@@ -322,6 +344,8 @@ TEST(Strings, FillTheirRegister) {
   camera.As<IString>("Over").SetValue("abcd");
   EXPECT_EQ(camera.Text("S"), "abcd") << "without a terminator";
   EXPECT_EQ(camera.As<IString>("Over").GetMaxLength(), 4);
+  camera.As<IString>("S").SetValue(gcstring("a\0b", 3));
+  EXPECT_EQ(camera.As<IString>("S").GetValue().size(), 1U) << "it ends at the first NUL";
   camera.As<IString>("S").SetValue("ab");
   EXPECT_EQ(camera.As<IString>("S").GetMaxLength(), 4);
   EXPECT_EQ(camera.As<IString>("RoS").GetMaxLength(), 2) << "what cannot be written is as long as it is";
