@@ -101,6 +101,9 @@ TEST(Persistence, LineEndsCommentsAndBlanksAreTolerated) {
   EXPECT_EQ(camera.Text("I"), "7");
   EXPECT_EQ(camera.port.bytes[0], 9);
   EXPECT_EQ(camera.Text("S"), "with\ttab");
+  camera.Value("B").FromString("0");
+  EXPECT_TRUE(BagOf("B\ttrue\n").LoadFromBag(camera.map._Ptr)) << "another way to write it";
+  EXPECT_EQ(camera.Text("B"), "1");
 }
 
 TEST(Persistence, OtherTextsAreRefusedAndLeaveTheBag) {

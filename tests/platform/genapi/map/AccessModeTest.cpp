@@ -17,6 +17,8 @@ std::string Targets() {
          "<Integer Name=\"False\"><Value>0</Value></Integer>"
          "<Boolean Name=\"Truth\"><Value>true</Value></Boolean>"
          "<Float Name=\"Tiny\"><Value>0.4</Value></Float><Float Name=\"Huge\"><Value>1e30</Value></Float>"
+         "<Enumeration Name=\"NoError\"><pIsImplemented>False</pIsImplemented><EnumEntry Name=\"A\"><Value>0"
+         "</Value></EnumEntry><Value>0</Value></Enumeration>"
          "<Enumeration Name=\"OneCountsZero\"><EnumEntry Name=\"A\"><Value>1</Value>"
          "<NumericValue>0</NumericValue></EnumEntry><Value>1</Value></Enumeration>"
          "<Enumeration Name=\"ZeroCountsOne\"><EnumEntry Name=\"A\"><Value>0</Value>"
@@ -55,6 +57,12 @@ TEST(AccessMode, ConditionsRestrictIt) {
       {"<pMin>NotNow</pMin>", NA},
       {"<pMin>Never</pMin>", NI},
       {"<pMin>WriteOnly</pMin>", RW},
+      // what is only mentioned says nothing about access
+      {"<pAlias>Never</pAlias>", RW},
+      {"<pCastAlias>NotNow</pCastAlias>", RW},
+      {"<pInvalidator>Never</pInvalidator>", RW},
+      {"<pSelected>Never</pSelected>", RW},
+      {"<pError>NoError</pError>", RW},
   };
   for (const AccessRow& row : rows) {
     SCOPED_TRACE(row.elements);
@@ -130,8 +138,11 @@ std::string Choice() {
          "<EnumEntry Name=\"Twin\"><pIsImplemented>False</pIsImplemented><Value>3</Value></EnumEntry>"
          "<EnumEntry Name=\"RealTwin\"><Value>3</Value></EnumEntry>"
          "<EnumEntry "
-         "Name=\"Self\"><pIsAvailable>En</pIsAvailable><Value>4</Value></EnumEntry><pValue>Two</pValue>"
-         "</Enumeration>";
+         "Name=\"Self\"><pIsAvailable>En</pIsAvailable><Value>4</Value></EnumEntry>"
+         "<EnumEntry Name=\"Far\"><pIsAvailable>FarFromEn</pIsAvailable><Value>5</Value></EnumEntry>"
+         "<pValue>Two</pValue></Enumeration><Boolean Name=\"FarFromEn\"><pValue>IsThree</pValue></Boolean>"
+         "<IntSwissKnife Name=\"IsThree\"><pVariable Name=\"V\">En</pVariable><Formula>V=3</Formula>"
+         "</IntSwissKnife>";
 }
 
 TEST(AccessMode, EntriesThatCannotBeChosenAreRefused) {
@@ -146,7 +157,7 @@ TEST(AccessMode, EntriesThatCannotBeChosenAreRefused) {
   EXPECT_FALSE(names.contains("Off"));
   NodeList_t entries;
   choice.GetEntries(entries);
-  EXPECT_EQ(entries.size(), 6U);
+  EXPECT_EQ(entries.size(), 7U);
 }
 
 TEST(AccessMode, AmongEqualEntriesTheAvailableOneCounts) {
@@ -159,9 +170,42 @@ TEST(AccessMode, AnEntryMayDependOnItsOwnEnumeration) {
   Camera camera(Choice());
   camera.port.bytes[0x11] = 3;
   EXPECT_EQ(camera.Access("EnumEntry_En_Self"), RO);
+  EXPECT_EQ(camera.Access("EnumEntry_En_Far"), RO);
   EXPECT_EQ(camera.Access("En"), RW);
   camera.As<IEnumeration>("En") = "A";
   EXPECT_EQ(camera.Access("EnumEntry_En_Self"), NA);
+  EXPECT_EQ(camera.Access("EnumEntry_En_Far"), NA);
+  // An enumeration needs one entry that may be chosen, and here each asks the enumeration.
+  Camera closed(
+      Targets() +
+      "<Enumeration Name=\"En\"><EnumEntry Name=\"A\"><pIsAvailable>Some</pIsAvailable><Value>3</Value>"
+      "</EnumEntry><EnumEntry Name=\"B\"><pIsAvailable>En</pIsAvailable><Value>4</Value></EnumEntry>"
+      "<pValue>Two</pValue></Enumeration><Integer Name=\"Some\"><pValue>En</pValue></Integer>");
+  closed.port.bytes[0x11] = 3;
+  EXPECT_EQ(closed.Access("EnumEntry_En_B"), RO);
+  EXPECT_EQ(closed.Access("En"), RW);
+  EXPECT_EQ(closed.Access("EnumEntry_En_A"), RO);
+  EXPECT_EQ(closed.Text("En"), "A");
+}
+
+// What cameras call TLParamsLocked: the program says that it streams, and the description what must not change then.
+TEST(AccessMode, AConstantOfTheProgramLocksWhatTheDescriptionSays) {
+  Camera camera(
+      Register("IntReg", "WidthReg", 0x20, 4) +
+      "<Integer Name=\"TLParamsLocked\"><Value>0</Value><Min>0</Min><Max>1</Max></Integer>"
+      "<Integer Name=\"Width\"><pIsLocked>TLParamsLocked</pIsLocked><pValue>WidthReg</pValue></Integer>"
+      "<Command Name=\"AcquisitionStart\"><pIsAvailable>TLParamsLocked</pIsAvailable>"
+      "<pValue>WidthReg</pValue><CommandValue>1</CommandValue></Command>");
+  IInteger& locked = camera.Integer("TLParamsLocked");
+  EXPECT_EQ(camera.Access("TLParamsLocked"), RW);
+  EXPECT_THROW(camera.As<ICommand>("AcquisitionStart").Execute(), AccessException);
+  locked.SetValue(1);
+  EXPECT_EQ(camera.Access("Width"), RO);
+  EXPECT_THROW(camera.Integer("Width").SetValue(100), AccessException);
+  EXPECT_NO_THROW(camera.As<ICommand>("AcquisitionStart").Execute());
+  EXPECT_THROW(locked.SetValue(2), OutOfRangeException);
+  locked.SetValue(0);
+  EXPECT_NO_THROW(camera.Integer("Width").SetValue(100));
 }
 
 TEST(AccessMode, ErrorsNameTheNodeAndTheCall) {

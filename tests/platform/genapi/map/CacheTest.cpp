@@ -93,6 +93,38 @@ TEST(Cache, WriteOnlyMasksRememberWhatWasWritten) {
   EXPECT_EQ(camera.port.reads, 0);
 }
 
+// A device may take the reading of such a register for something else, or fail.
+TEST(Cache, WriteOnlyRegistersAreNeverRead) {
+  Camera camera(
+      Register("IntReg", "Whole", 0x10, 4, "<PollingTime>1</PollingTime>", "WO") +
+      Register("MaskedIntReg", "Part", 0x14, 4, "<Bit>3</Bit>", "WO") +
+      Register("FloatReg", "Real", 0x18, 4, "", "WO") + Register("StringReg", "Text", 0x1C, 4, "", "WO") +
+      Register("Register", "Raw", 0x20, 4, "", "WO") +
+      "<Integer Name=\"I\"><pValue>Whole</pValue><Min>0</Min><Max>9</Max></Integer>"
+      "<Enumeration Name=\"E\"><EnumEntry Name=\"A\"><Value>1</Value></EnumEntry><pValue>Whole</pValue>"
+      "</Enumeration><Boolean Name=\"B\"><pValue>Part</pValue></Boolean>"
+      "<Command "
+      "Name=\"C\"><pValue>Part</pValue><CommandValue>1</CommandValue><PollingTime>1</PollingTime></Command>"
+      "<Converter Name=\"K\"><FormulaTo>FROM</FormulaTo><FormulaFrom>TO</FormulaFrom><pValue>Whole</pValue>"
+      "</Converter>");
+  const struct {
+    const char* name;
+    const char* text;
+  } rows[] = {{"Whole", "1"}, {"Part", "1"}, {"Real", "1"}, {"Text", "a"}, {"Raw", "0x01"},
+              {"I", "5"},     {"E", "A"},    {"B", "true"}, {"C", "1"},    {"K", "2"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    for (const bool verify : {true, false}) camera.Value(row.name).FromString(row.text, verify);
+    EXPECT_THROW(camera.Text(row.name), AccessException);
+    EXPECT_THROW(camera.Value(row.name).ToString(true, true), AccessException);
+    camera.map._Poll(1);
+    camera.map._InvalidateNodes();
+  }
+  EXPECT_TRUE(camera.As<ICommand>("C").IsDone());
+  EXPECT_EQ(camera.port.reads, 0);
+  EXPECT_EQ(camera.port.writes, 20);
+}
+
 TEST(Cache, SelectorsMoveRegistersWithoutStaleValues) {
   Camera camera(
       Register("IntReg", "Sel", 0x10, 1, "<pSelected>Gain</pSelected>") +
@@ -127,6 +159,11 @@ TEST(Cache, AddressesAreSums) {
       "Name=\"X\">Two</pVariable><Formula>X*0x100</Formula></IntSwissKnife>"
       "<pIndex "
       "Offset=\"2\">Two</pIndex><Length>4</Length><AccessMode>RW</AccessMode><pPort>Device</pPort></IntReg>"
+      "<IntReg Name=\"Twice\"><pAddress>Sixteen</pAddress><pAddress>Two</pAddress><pIndex Offset=\"-2\">Two"
+      "</pIndex><pIndex Offset=\"0x100\">Two</pIndex><pIndex>Two</pIndex><IntSwissKnife "
+      "Name=\"A\"><Formula>0x1000"
+      "</Formula></IntSwissKnife><IntSwissKnife Name=\"B\"><Formula>0x2000</Formula></IntSwissKnife>"
+      "<Length>4</Length><pPort>Device</pPort></IntReg>"
       "<IntReg "
       "Name=\"ByLength\"><Address>0x10</Address><pIndex>Two</pIndex><Length>4</Length><pPort>Device</pPort></"
       "IntReg>"
@@ -134,6 +171,7 @@ TEST(Cache, AddressesAreSums) {
       "pOffset=\"Sixteen\">Two</pIndex><Length>4</Length>"
       "<pPort>Device</pPort></IntReg>");
   EXPECT_EQ(camera.As<IRegister>("R").GetAddress(), 0x1234);
+  EXPECT_EQ(camera.As<IRegister>("Twice").GetAddress(), 0x3000 + 16 + 2 - 4 + 0x200 + 8);
   EXPECT_EQ(camera.As<IRegister>("ByLength").GetAddress(), 0x18);
   EXPECT_EQ(camera.As<IRegister>("ByNode").GetAddress(), 0x30);
 }

@@ -230,6 +230,8 @@ TEST_F(ValueVectors, MaskedWritesKeepTheOtherBits) {
 
 TEST_F(ValueVectors, WhatTheTargetRefusesIsRefused) {
   EXPECT_THROW(camera.Integer("IC").SetValue(11), OutOfRangeException);
+  camera.Integer("IC").SetValue(15);
+  EXPECT_EQ(camera.Integer("Tens").GetValue(), 30);
   EXPECT_THROW(camera.Value("CmdRo").FromString("1"), AccessException);
   EXPECT_THROW(camera.As<ICommand>("CmdRo").Execute(), AccessException);
   EXPECT_THROW(camera.Value("W64").ToString(), AccessException);
@@ -237,6 +239,11 @@ TEST_F(ValueVectors, WhatTheTargetRefusesIsRefused) {
   EXPECT_EQ(camera.Access("Cmd"), RW);
   EXPECT_EQ(camera.Access("CmdWo"), WO);
   EXPECT_EQ(camera.Access("CmdRo"), RO);
+  EXPECT_EQ(camera.Text("Cmd"), "0");
+  EXPECT_EQ(camera.Text("CmdRo"), "0");
+  EXPECT_EQ(camera.Access("W64"), WO);
+  EXPECT_EQ(camera.Integer("W64").GetMin(), INT64_MIN) << "what cannot be read has limits all the same";
+  EXPECT_EQ(camera.Integer("W64").GetMax(), INT64_MAX);
   EXPECT_THROW(camera.Integer("R64").GetValue(true), OutOfRangeException);
 }
 
