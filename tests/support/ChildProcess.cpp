@@ -60,17 +60,29 @@ void DrainBoth(int out, int err, Finished& result) {
 }  // namespace
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments) {
-  Start(arguments, -1);
+  Start(arguments, -1, -1);
 }
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments, WithOutput) {
   const Pipe pipe;
   output_ = pipe.read;
-  Start(arguments, pipe.write);
+  Start(arguments, pipe.write, -1);
   close(pipe.write);
 }
 
-void ChildProcess::Start(const std::vector<std::string>& arguments, int output) {
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments, OnTerminal) {
+  output_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  std::array<char, 64> name{};
+  if (output_ < 0 || grantpt(output_) != 0 || unlockpt(output_) != 0 ||
+      ptsname_r(output_, name.data(), name.size()) != 0) {
+    throw std::runtime_error("no terminal");
+  }
+  const int terminal = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  Start(arguments, -1, terminal);
+  close(terminal);
+}
+
+void ChildProcess::Start(const std::vector<std::string>& arguments, int output, int error) {
   std::vector<char*> pointers = ArgumentsOf(arguments);
   const pid_t parent = getpid();
   pid_ = fork();
@@ -81,7 +93,7 @@ void ChildProcess::Start(const std::vector<std::string>& arguments, int output) 
   const int nothing = open("/dev/null", O_RDWR);
   dup2(nothing, STDIN_FILENO);
   dup2(output < 0 ? nothing : output, STDOUT_FILENO);
-  dup2(nothing, STDERR_FILENO);
+  dup2(error < 0 ? nothing : error, STDERR_FILENO);
   execvp(pointers[0], pointers.data());
   _exit(127);
 }
@@ -118,18 +130,28 @@ void ChildProcess::Resume() const {
   kill(pid_, SIGCONT);
 }
 
-std::string ChildProcess::NextLine() {
+void ChildProcess::ReadMore() {
   constexpr int kLongestWaitMs = 60'000;
-  std::size_t end = pending_.find('\n');
-  while (end == std::string::npos) {
-    pollfd descriptor{output_, POLLIN, 0};
-    if (poll(&descriptor, 1, kLongestWaitMs) <= 0) throw std::runtime_error("no line within a minute");
-    if (!Drain(output_, pending_)) throw std::runtime_error("no more lines");
-    end = pending_.find('\n');
-  }
+  pollfd descriptor{output_, POLLIN, 0};
+  if (poll(&descriptor, 1, kLongestWaitMs) <= 0)
+    throw std::runtime_error("nothing for a minute behind: " + pending_);
+  if (!Drain(output_, pending_)) throw std::runtime_error("nothing more behind: " + pending_);
+}
+
+std::string ChildProcess::NextLine() {
+  while (pending_.find('\n') == std::string::npos) ReadMore();
+  const std::size_t end = pending_.find('\n');
   std::string line = pending_.substr(0, end);
   pending_.erase(0, end + 1);
   return line;
+}
+
+std::string ChildProcess::WaitForText(const std::regex& pattern) {
+  std::smatch found;
+  while (!std::regex_search(pending_, found, pattern)) ReadMore();
+  std::string group = found[1];
+  pending_ = found.suffix().str();
+  return group;
 }
 
 Finished RunToEnd(const std::vector<std::string>& arguments,

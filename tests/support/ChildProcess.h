@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <map>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ class ChildProcess {
   /// The same, but its standard output can be read with NextLine.
   struct WithOutput {};
   ChildProcess(const std::vector<std::string>& arguments, WithOutput);
+  /// The same, but its standard error is a terminal, which can be read with WaitForText.
+  struct OnTerminal {};
+  ChildProcess(const std::vector<std::string>& arguments, OnTerminal);
   ~ChildProcess();
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
@@ -36,8 +40,13 @@ class ChildProcess {
   /// or writes none for a minute.
   std::string NextLine();
 
+  /// Waits until the pattern is found in what the program has written, and forgets everything up to its end. Returns
+  /// what the pattern's first group matched. Throws std::runtime_error as NextLine does.
+  std::string WaitForText(const std::regex& pattern);
+
  private:
-  void Start(const std::vector<std::string>& arguments, int output);
+  void Start(const std::vector<std::string>& arguments, int output, int error);
+  void ReadMore();
 
   pid_t pid_ = -1;
   int output_ = -1;      // to read from; -1 when the output is discarded

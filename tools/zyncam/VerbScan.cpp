@@ -1,3 +1,6 @@
+#include <GenApi/GenApi.h>
+
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <nlohmann/json.hpp>
@@ -8,6 +11,7 @@
 #include "Interrupt.h"
 #include "JsonText.h"
 #include "OutputFile.h"
+#include "ScanWatch.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -32,17 +36,52 @@ class StepBar {
   explicit StepBar(Console& console) : console_(console) {}
 
   void Next(const std::string& what) {
-    const auto steps = static_cast<int>(kProducts.size()) + 1;
-    const int filled = done_ * kBarWidth / steps;
-    ++done_;
+    ++begun_;
+    Show(0, what);
+  }
+
+  /// How much of the present step is done, 0 to 1.
+  void Show(double part, const std::string& what) {
     if (!console_.HasProgress()) return;
-    console_.Progress("[" + std::string(static_cast<std::size_t>(filled), '#') +
-                      std::string(static_cast<std::size_t>(kBarWidth - filled), '.') + "] " + what);
+    constexpr auto kSteps = static_cast<double>(kProducts.size() + 1);
+    const auto filled = static_cast<std::size_t>((begun_ - 1 + part) * kBarWidth / kSteps);
+    console_.Progress("[" + std::string(filled, '#') + std::string(kBarWidth - filled, '.') + "] " + what);
   }
 
  private:
   Console& console_;
-  int done_ = 0;
+  int begun_ = 0;
+};
+
+/// How many lines of a scan have come, as the stream tells it: the library itself tells only when all have.
+class LineCounter {
+ public:
+  /// The camera is open, and stays so.
+  explicit LineCounter(ZYNSDK::Zyn3DCamera& camera) {
+    GenApi_3_4::INodeMap* const stream = Get3DCameraNodeMap(&camera, ZYNSDK::ZYN_XML_DATA_STREAM);
+    if (stream != nullptr)
+      frames_ = dynamic_cast<GenApi_3_4::IInteger*>(stream->GetNode("StreamDeliveredFrameCount"));
+    ZYNSDK::ZynNode batchNumber;
+    if (camera.GetNode("BatchNumber", &batchNumber) == 0) batchNumber.GetInt(&linesPerFrame_);
+    camera.GetBatchCount(&total_);
+  }
+
+  int Total() const { return total_; }
+
+  /// Nothing when camera or stream do not tell. Any thread.
+  std::optional<std::int64_t> Received() const {
+    if (frames_ == nullptr || total_ < 1 || linesPerFrame_ < 1) return std::nullopt;
+    try {
+      return std::min<std::int64_t>(total_, frames_->GetValue(false, true) * linesPerFrame_);
+    } catch (const GenICam_3_4::GenericException&) {  // the camera is lost, as the grab will tell
+      return std::nullopt;
+    }
+  }
+
+ private:
+  GenApi_3_4::IInteger* frames_ = nullptr;
+  int linesPerFrame_ = 0;
+  int total_ = 0;
 };
 
 HeightMap MakeMap(const ZYNSDK::ZynRangeImage& range, const ZYNSDK::ZynImage& intensity) {
@@ -61,14 +100,31 @@ HeightMap MakeMap(const ZYNSDK::ZynRangeImage& range, const ZYNSDK::ZynImage& in
   return map;
 }
 
-HeightMap Grab(ZYNSDK::Zyn3DCamera& camera) {
+// Shows the lines that come, and stops the stream on Ctrl-C: the wait for the scan then ends.
+ScanWatch::Callbacks WatchOver(ZYNSDK::Zyn3DCamera& camera, const LineCounter& counter, StepBar& bar) {
+  ScanWatch::Callbacks callbacks;
+  callbacks.lines = [&counter] { return counter.Received(); };
+  callbacks.show = [&counter, &bar](std::int64_t lines) {
+    bar.Show(static_cast<double>(lines) / counter.Total(),
+             "scanning, " + std::to_string(lines) + " of " + std::to_string(counter.Total()) + " lines");
+  };
+  callbacks.isInterrupted = &IsInterrupted;
+  callbacks.stop = [&camera] { camera.StopGrab(); };
+  return callbacks;
+}
+
+HeightMap Grab(ZYNSDK::Zyn3DCamera& camera, StepBar& bar) {
   ZYNSDK::ZynRangeImage range;
   ZYNSDK::ZynImage intensity;
+  const LineCounter counter(camera);
   long status = camera.StartGrab(ZYNSDK::ZYN_3D_GRAB_BATCH);
   if (status != 0) throw Failure::OfStatus("cannot start the stream", status);
-  do {
-    status = camera.GrabBatchData(&range, &intensity);
-  } while (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME && !IsInterrupted());
+  {
+    const ScanWatch watch(WatchOver(camera, counter, bar));
+    do {
+      status = camera.GrabBatchData(&range, &intensity);
+    } while (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME && !IsInterrupted());
+  }
   camera.StopGrab();
   if (status != 0 && !IsInterrupted()) throw Failure::OfStatus("the scan failed", status);
   return status != 0 ? HeightMap() : MakeMap(range, intensity);
@@ -103,7 +159,7 @@ bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& 
   if (status != 0) throw Failure::OfStatus("cannot set the number of lines", status);
   StepBar bar(console);
   bar.Next("scanning");
-  const HeightMap map = Grab(handle);
+  const HeightMap map = Grab(handle, bar);
   std::vector<std::string> files;
   for (const Product& product : kProducts) {
     if (IsInterrupted()) break;

@@ -2,12 +2,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -187,6 +190,28 @@ TEST_F(ZyncamSimulate, ScanWritesHeightMapScalePictureAndPointCloud) {
   EXPECT_TRUE(cloud.good());
   EXPECT_EQ(cloud.peek(), std::char_traits<char>::eof());
   EXPECT_EQ(wrong, 0);
+}
+
+// The scan takes more than a minute, at a thousand lines per second.
+TEST_F(ZyncamSimulate, ScanShowsTheLinesThatCameAndEndsAtOnceOnCtrlC) {
+  Configure(kOne);
+  std::vector<std::string> arguments = {"env"};
+  for (const auto& [name, value] : environment_) arguments.push_back(name + "=" + value);
+  for (const std::string& argument :
+       {std::string(ZYN_ZYNCAM), std::string("--simulate"), std::string("scan"), std::string("--lines"),
+        std::string("65500"), std::string("-o"), folder_.string()}) {
+    arguments.push_back(argument);
+  }
+  zyntest::ChildProcess scan(arguments, zyntest::ChildProcess::OnTerminal{});
+  const std::regex progress(R"(\[#*\.*\] scanning, ([1-9]\d*) of 65500 lines)");
+  const int first = std::stoi(scan.WaitForText(progress));
+  const int second = std::stoi(scan.WaitForText(progress));
+  EXPECT_LT(first, second);
+  EXPECT_LT(second, 65500);
+  const auto before = std::chrono::steady_clock::now();
+  EXPECT_EQ(scan.End(SIGINT), 130);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(30));
+  EXPECT_FALSE(fs::exists(folder_ / "scan.png"));
 }
 
 TEST_F(ZyncamSimulate, VerbsForImagesRefuseCamerasForProfiles) {
