@@ -41,9 +41,10 @@ std::shared_ptr<const ProducerLibrary> ProducerLibrary::Load(const std::string& 
     return nullptr;
   }
   ZYN_GENTL_STREAMING_FUNCTIONS(ZYN_RESOLVE)
-  producer->canStream_ = missing.empty();
+  const bool hasStreams = missing.empty();
   ZYN_GENTL_OPTIONAL_FUNCTIONS(ZYN_RESOLVE)
 #undef ZYN_RESOLVE
+  producer->canStream_ = hasStreams && (producer->DSAnnounceBuffer || producer->DSAllocAndAnnounceBuffer);
   return producer;
 }
 

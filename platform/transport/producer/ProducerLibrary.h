@@ -28,7 +28,8 @@
   X(DevGetPort)                         \
   X(DevClose)
 
-// Without these a producer's cameras can be found and configured, but they deliver no frames.
+// Without these, and without one of the two functions that announce buffers, a producer's cameras can be found and
+// configured, but they deliver no frames.
 #define ZYN_GENTL_STREAMING_FUNCTIONS(X) \
   X(GCRegisterEvent)                     \
   X(GCUnregisterEvent)                   \
@@ -36,7 +37,6 @@
   X(DevGetNumDataStreams)                \
   X(DevGetDataStreamID)                  \
   X(DevOpenDataStream)                   \
-  X(DSAnnounceBuffer)                    \
   X(DSFlushQueue)                        \
   X(DSStartAcquisition)                  \
   X(DSStopAcquisition)                   \
@@ -62,6 +62,8 @@
   X(TLGetInterfaceInfo)                 \
   X(IFGetInfo)                          \
   X(DevGetInfo)                         \
+  X(DSAnnounceBuffer)                   \
+  X(DSAllocAndAnnounceBuffer)           \
   X(DSGetBufferChunkData)               \
   X(DSGetNumBufferParts)                \
   X(DSGetBufferPartInfo)                \

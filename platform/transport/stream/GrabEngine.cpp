@@ -1,6 +1,7 @@
 #include "GrabEngine.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "../Result.h"
@@ -55,9 +56,9 @@ int GrabEngine::Start(GrabSetup setup, std::shared_ptr<GrabEngine>& engine) {
   }
   const GenTL::GC_ERROR registered = started->producer_.GCRegisterEvent(
       started->setup_.stream.get(), GenTL::EVENT_NEW_BUFFER, &started->event_);
-  if (registered != GenTL::GC_ERR_SUCCESS) {
+  if (registered != GenTL::GC_ERR_SUCCESS || !started->event_) {
     started->TakeBuffersBack();
-    return ToResult(registered);
+    return registered != GenTL::GC_ERR_SUCCESS ? ToResult(registered) : KELGENICAM::RESULT_ERROR;
   }
   started->StartThread();
   const GenTL::GC_ERROR error = started->StartAcquisition();
@@ -94,6 +95,16 @@ int GrabEngine::Announce() {
 }
 
 int GrabEngine::AnnounceOne() {
+  if (!allocates_) {
+    const int result = AnnounceOurs();
+    if (result != KELGENICAM::RESULT_NOT_IMPLEMENTED || !slots_.empty()) return result;
+    allocates_ = true;
+  }
+  return AnnounceTheirs();
+}
+
+int GrabEngine::AnnounceOurs() {
+  if (!producer_.DSAnnounceBuffer) return KELGENICAM::RESULT_NOT_IMPLEMENTED;
   Slot slot;
   slot.memory = setup_.pool->Take(setup_.payloadBytes, setup_.alignment);
   if (!slot.memory) return KELGENICAM::RESULT_OUT_OF_MEMORY;
@@ -101,8 +112,26 @@ int GrabEngine::AnnounceOne() {
       producer_.DSAnnounceBuffer(setup_.stream.get(), slot.memory->Data(), slot.memory->Size(),
                                  UserPointer(slots_.size()), &slot.handle);
   if (error != GenTL::GC_ERR_SUCCESS) return ToResult(error);
+  if (!slot.handle) return KELGENICAM::RESULT_ERROR;
   slots_.push_back(std::move(slot));
   return KELGENICAM::RESULT_OK;
+}
+
+int GrabEngine::AnnounceTheirs() {
+  if (!producer_.DSAllocAndAnnounceBuffer) return KELGENICAM::RESULT_NOT_IMPLEMENTED;
+  Slot slot;
+  const GenTL::GC_ERROR error = producer_.DSAllocAndAnnounceBuffer(setup_.stream.get(), setup_.payloadBytes,
+                                                                   UserPointer(slots_.size()), &slot.handle);
+  if (error != GenTL::GC_ERR_SUCCESS) return ToResult(error);
+  if (!slot.handle) return KELGENICAM::RESULT_ERROR;
+  const std::uint64_t base = reader_.Ask(slot.handle, GenTL::BUFFER_INFO_BASE).value_or(0);
+  const std::uint64_t size = reader_.Ask(slot.handle, GenTL::BUFFER_INFO_SIZE).value_or(setup_.payloadBytes);
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): the producer told it as a number
+  slot.theirs.data = reinterpret_cast<const unsigned char*>(static_cast<std::uintptr_t>(base));
+  slot.theirs.size = static_cast<std::size_t>(std::min<std::uint64_t>(size, setup_.payloadBytes));
+  const bool isReadable = base != 0 && base != ~std::uint64_t{0} && slot.theirs.size > 0;
+  slots_.push_back(std::move(slot));  // also what cannot be read has to be revoked
+  return isReadable ? KELGENICAM::RESULT_OK : KELGENICAM::RESULT_INVALID_BUFFER;
 }
 
 int GrabEngine::QueueAll() {
@@ -157,6 +186,8 @@ void GrabEngine::Stop(bool kill) {
 
 void GrabEngine::TakeBuffersBack() {
   MutexLock lock(mutex_);
+  // A copy ends by itself, unlike a call of the producer, and it reads what is about to be revoked.
+  while (copies_ > 0) lock.Wait(calm_);
   std::vector<Slot> slots;
   slots.swap(slots_);
   deliveries_.clear();
@@ -167,7 +198,7 @@ void GrabEngine::TakeBuffersBack() {
         producer_.DSRevokeBuffer(setup_.stream.get(), slot.handle, nullptr, nullptr);
     // Some producers revoke while they flush; the handle is unknown then and the memory free.
     const bool isFree = error == GenTL::GC_ERR_SUCCESS || error == GenTL::GC_ERR_INVALID_HANDLE;
-    if (!isFree) setup_.stranded->push_back(std::move(slot.memory));
+    if (!isFree && !slot.theirs.data) setup_.stranded->push_back(std::move(slot.memory));
   }
 }
 
@@ -272,7 +303,11 @@ std::optional<std::size_t> GrabEngine::Fetch(std::uint64_t timeoutMs, GenTL::GC_
 std::optional<std::size_t> GrabEngine::Arrived(const GenTL::EVENT_NEW_BUFFER_DATA& data) {
   MutexLock lock(mutex_);
   const auto slot = SlotOf(data);
-  if (slot) slots_[*slot].place = Place::kEngine;
+  if (!slot) return std::nullopt;
+  Place& place = slots_[*slot].place;
+  // A buffer that the producer does not have cannot arrive: delivered twice, it would be two frames in one memory.
+  if (place != Place::kProducer && place != Place::kDead) return std::nullopt;
+  place = Place::kEngine;
   return slot;
 }
 
@@ -286,13 +321,35 @@ void GrabEngine::HandleFailure(GenTL::GC_ERROR error) {
   }
 }
 
-FrameLayout GrabEngine::Inspect(GenTL::BUFFER_HANDLE buffer, const FrameMemory& memory) {
+// Copies a frame out of memory that the producer allocated. False when there is no memory for it, and at the end.
+bool GrabEngine::Copy(std::size_t slot) {
+  MutexLock lock(mutex_);
+  if (isEnding_ || slot >= slots_.size()) return false;
+  const Theirs theirs = slots_[slot].theirs;
+  std::shared_ptr<FrameMemory> memory = std::move(slots_[slot].memory);
+  lock.Unlock();
+  if (!memory) memory = setup_.pool->Take(theirs.size, 1);
+  if (!memory) return false;
+  lock.Lock();
+  if (isEnding_) return false;
+  ++copies_;
+  lock.Unlock();
+  std::memcpy(memory->Data(), theirs.data, theirs.size);
+  lock.Lock();
+  slots_[slot].memory = std::move(memory);
+  --copies_;
+  calm_.notify_all();
+  return true;
+}
+
+FrameLayout GrabEngine::Inspect(GenTL::BUFFER_HANDLE buffer, const unsigned char* announced,
+                                const FrameMemory& memory) {
   const BufferFacts facts = reader_.Read(buffer);
   FrameLayout layout = LayOutFrame(facts, setup_.settings, memory.Size());
   if (layout.result != KELGENICAM::RESULT_OK) return layout;
   const std::uint64_t payload = facts.GetOr(GenTL::BUFFER_INFO_PAYLOADTYPE, GenTL::PAYLOAD_TYPE_IMAGE);
   if (payload == GenTL::PAYLOAD_TYPE_MULTI_PART) {
-    const auto part = FindImagePart(producer_, setup_.stream.get(), buffer, memory.Data(), memory.Size());
+    const auto part = FindImagePart(producer_, setup_.stream.get(), buffer, announced, memory.Size());
     if (part) PlacePart(layout, *part, memory.Size());
   }
   if (!layout.isValid) return layout;  // the chunks of an incomplete frame may be garbage
@@ -308,10 +365,17 @@ FrameLayout GrabEngine::Inspect(GenTL::BUFFER_HANDLE buffer, const FrameMemory& 
 void GrabEngine::Deliver(std::size_t slot) {
   MutexLock lock(mutex_);
   if (isEnding_ || slot >= slots_.size()) return;
-  const std::shared_ptr<FrameMemory> memory = slots_[slot].memory;
   const GenTL::BUFFER_HANDLE handle = slots_[slot].handle;
+  const unsigned char* const theirs = slots_[slot].theirs.data;
   lock.Unlock();
-  FrameLayout layout = Inspect(handle, *memory);
+  const bool isThere = !theirs || Copy(slot);
+  lock.Lock();
+  if (isEnding_ || slot >= slots_.size()) return;
+  const std::shared_ptr<FrameMemory> memory = slots_[slot].memory;
+  lock.Unlock();
+  FrameLayout layout;
+  layout.result = KELGENICAM::RESULT_OUT_OF_MEMORY;
+  if (isThere) layout = Inspect(handle, theirs ? theirs : memory->Data(), *memory);
   lock.Lock();
   if (isEnding_ || slot >= slots_.size()) return;
   const Delivery delivery{slot, layout.result};

@@ -50,6 +50,10 @@ struct GrabSetup {
 /// never keeps the producer waiting, and applies the strategy. Where a buffer is at any time is written in its
 /// slot; every change happens under the mutex, every call of the producer outside.
 ///
+/// The buffers are our own memory. A producer that fills only what it allocated itself gets to do that; then each
+/// fetched frame is copied, because that memory goes when its buffer is revoked, and a frame may stay in the
+/// application's hands much longer. Its buffer is queued again when the application releases the frame, as always.
+///
 /// The strategy "upcoming image" works the other way round: nothing is fetched while nobody waits. When a call
 /// comes, the buffers being filled at that moment are noted, and what is already filled is thrown away; the
 /// first frame in any other buffer began after the call.
@@ -89,8 +93,15 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
     kDead          // the producer refused to take it back
   };
 
+  // Memory that the producer allocated. Null where the announced memory is ours.
+  struct Theirs {
+    const unsigned char* data = nullptr;
+    std::size_t size = 0;
+  };
+
   struct Slot {
-    std::shared_ptr<FrameMemory> memory;
+    std::shared_ptr<FrameMemory> memory;  // what was announced; else the latest frame's copy, if there is one
+    Theirs theirs;
     GenTL::BUFFER_HANDLE handle = nullptr;
     Place place = Place::kEngine;
     FrameLayout layout;
@@ -114,6 +125,8 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   int Prepare() ZYN_EXCLUDES(mutex_);
   int Announce() ZYN_REQUIRES(mutex_);
   int AnnounceOne() ZYN_REQUIRES(mutex_);
+  int AnnounceOurs() ZYN_REQUIRES(mutex_);
+  int AnnounceTheirs() ZYN_REQUIRES(mutex_);
   int QueueAll() ZYN_REQUIRES(mutex_);
   GenTL::GC_ERROR StartAcquisition();
   void StartThread();
@@ -128,7 +141,8 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   std::optional<std::size_t> SlotOf(const GenTL::EVENT_NEW_BUFFER_DATA& data) const ZYN_REQUIRES(mutex_);
   std::optional<std::size_t> Arrived(const GenTL::EVENT_NEW_BUFFER_DATA& data) ZYN_EXCLUDES(mutex_);
   void HandleFailure(GenTL::GC_ERROR error) ZYN_EXCLUDES(mutex_);
-  FrameLayout Inspect(GenTL::BUFFER_HANDLE buffer, const FrameMemory& memory);
+  bool Copy(std::size_t slot) ZYN_EXCLUDES(mutex_);
+  FrameLayout Inspect(GenTL::BUFFER_HANDLE buffer, const unsigned char* announced, const FrameMemory& memory);
   void Deliver(std::size_t slot) ZYN_EXCLUDES(mutex_);
   bool GiveToWaiter(const Delivery& delivery) ZYN_REQUIRES(mutex_);
   void DeliverFailure(int result) ZYN_EXCLUDES(mutex_);
@@ -158,13 +172,15 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   Mutex mutex_;                     // after Start never held during a producer's call
   std::condition_variable ready_;   // for Grab calls
   std::condition_variable demand_;  // for the engine's thread
-  std::condition_variable calm_;    // for Stop: a call of the producer returned
-  // The vector is constant from Start to Stop; memory and handle of a slot as well.
+  std::condition_variable calm_;    // for Stop: a call of the producer returned, a copy is made
+  // The vector is constant from Start to Stop; handle and announced memory of a slot as well.
   std::vector<Slot> slots_ ZYN_GUARDED_BY(mutex_);
   std::deque<Delivery> deliveries_ ZYN_GUARDED_BY(mutex_);
   std::list<Waiter*> waiters_ ZYN_GUARDED_BY(mutex_);
   long long remaining_ ZYN_GUARDED_BY(mutex_) = 0;  // frames still to hand out; below 0 for no limit
   int producerCalls_ ZYN_GUARDED_BY(mutex_) = 0;    // calls under way from the application's threads
+  int copies_ ZYN_GUARDED_BY(mutex_) = 0;           // under way from memory that the producer allocated
+  bool allocates_ ZYN_GUARDED_BY(mutex_) = false;   // the producer fills only memory of its own
   bool isAborted_ ZYN_GUARDED_BY(mutex_) = false;
   bool isLost_ ZYN_GUARDED_BY(mutex_) = false;
   bool isEnding_ ZYN_GUARDED_BY(mutex_) = false;

@@ -236,6 +236,18 @@ TEST_F(GrabTest, WhenTheApplicationHoldsEveryFrameNewOnesAreDroppedAndCounted) {
   camera.reset();
 }
 
+TEST_F(GrabTest, ABufferThatTheProducerDeliversTwiceIsOneFrame) {
+  const CameraPtr camera = Grabbing(GRAB_ONE_BY_ONE);
+  MockFrame frame = Frame(1);
+  frame.isDoubled = true;
+  ASSERT_TRUE(mock_.SendFrame(frame));
+  Send(2);
+  const ImagePtr first = GrabOne(*camera);
+  EXPECT_EQ(first->FrameID(), 1);
+  EXPECT_EQ(GrabOne(*camera)->FrameID(), 2);
+  EXPECT_EQ(GrabResult(*camera, 0), RESULT_TIMEOUT);
+}
+
 TEST_F(GrabTest, MemoryIsUsedAgainAfterARestart) {
   const CameraPtr camera = Grabbing(GRAB_ONE_BY_ONE);
   std::list<unsigned char*> before;

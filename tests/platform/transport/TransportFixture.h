@@ -49,14 +49,14 @@ using ImagePtr = std::unique_ptr<KELGENICAM::IImage, ReleaseImage>;
 class TransportTest : public testing::Test {
  protected:
   void SetUp() override {
-    for (MockProducer* producer : {&mock_, &old_}) producer->Reset();
+    for (MockProducer* producer : {&mock_, &old_, &allocating_}) producer->Reset();
     SetPath(ZYN_MOCK_CTI);
   }
 
   void TearDown() override {
     while (KELGENICAM::UnInit() == KELGENICAM::RESULT_OK) {
     }
-    for (MockProducer* producer : {&mock_, &old_}) {
+    for (MockProducer* producer : {&mock_, &old_, &allocating_}) {
       EXPECT_TRUE(producer->AwaitClosed());  // lost devices are closed in the background
       EXPECT_EQ(producer->Mistakes(), 0) << producer->FirstMistake();
     }
@@ -107,6 +107,7 @@ class TransportTest : public testing::Test {
 
   MockProducer& mock_ = LoadMock(ZYN_MOCK_CTI);
   MockProducer& old_ = LoadMock(ZYN_MOCK_OLD_CTI);
+  MockProducer& allocating_ = LoadMock(ZYN_MOCK_ALLOCATING_CTI);
 };
 
 }  // namespace zyn::transport_test

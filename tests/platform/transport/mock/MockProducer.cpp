@@ -1,4 +1,5 @@
-// The functions that this file leaves out with ZYN_MOCK_OLD are those that came after version 1.2.
+// The functions that this file leaves out with ZYN_MOCK_OLD are those that came after version 1.2; with
+// ZYN_MOCK_ALLOCATES it takes no memory of the consumer.
 #define GENTL_PRODUCER
 #include "MockProducer.h"
 
@@ -80,6 +81,7 @@ class Producer final : public MockProducer {
     lost.clear();
     calls.clear();
     registers.clear();
+    textLie = TextLie::kNone;
     mistakes = 0;
     firstMistake.clear();
   }
@@ -92,6 +94,11 @@ class Producer final : public MockProducer {
   void SetHook(const std::string& function, Hook hook) override {
     const std::lock_guard lock(mutex);
     hooks[function] = std::move(hook);
+  }
+
+  void SetTextLie(TextLie lie) override {
+    const std::lock_guard lock(mutex);
+    textLie = lie;
   }
 
   Module* RunningStream() {
@@ -125,6 +132,7 @@ class Producer final : public MockProducer {
     Fill(*buffer, frame);
     buffer->place = Buffer::Place::kOutput;
     stream->output.push_back(buffer);
+    if (frame.isDoubled) stream->output.push_back(buffer);
     changed.notify_all();
   }
 
@@ -351,6 +359,7 @@ class Producer final : public MockProducer {
   std::set<std::string> lost;
   std::map<std::string, int> calls;
   std::map<std::uint64_t, std::uint32_t> registers;
+  TextLie textLie = TextLie::kNone;
   std::list<std::unique_ptr<Module>> modules;
   std::vector<std::shared_ptr<EventQueue>> eventHandles;
   int mistakes = 0;
@@ -372,6 +381,23 @@ GC_ERROR Put(INFO_DATATYPE type, const void* data, std::size_t bytes, INFO_DATAT
 }
 
 GC_ERROR PutText(const std::string& text, INFO_DATATYPE* piType, void* pBuffer, std::size_t* piSize) {
+  if (piType) *piType = INFO_DATATYPE_STRING;
+  switch (P().textLie) {
+    case TextLie::kNone:
+      break;
+    case TextLie::kHuge:
+      *piSize = ~std::size_t{0};
+      return GC_ERR_SUCCESS;
+    case TextLie::kEmpty:
+      *piSize = 0;
+      return GC_ERR_SUCCESS;
+    case TextLie::kGrowing:
+      if (pBuffer) return GC_ERR_BUFFER_TOO_SMALL;
+      *piSize = 2000;
+      return GC_ERR_SUCCESS;
+    case TextLie::kUnterminated:
+      return Put(INFO_DATATYPE_STRING, text.c_str(), text.size(), piType, pBuffer, piSize);
+  }
   return Put(INFO_DATATYPE_STRING, text.c_str(), text.size() + 1, piType, pBuffer, piSize);
 }
 
@@ -552,8 +578,9 @@ bool IsLost(const Module& module) {
 const std::initializer_list<Kind> kAnyKind = {Kind::kSystem, Kind::kInterface, Kind::kDevice, Kind::kRemote,
                                               Kind::kStream};
 
-#define ENTER(id)                                                       \
-  if (const GC_ERROR entered = P().Enter(__func__, id)) return entered; \
+#define ENTER(id)                                                                  \
+  if (const GC_ERROR entered = P().Enter(__func__, id))                            \
+    return entered == MockProducer::kPretend ? GC_ERROR{GC_ERR_SUCCESS} : entered; \
   const std::lock_guard lock(P().mutex)
 #define FIND(variable, handle, ...)                   \
   Module* variable = P().Find(handle, {__VA_ARGS__}); \
@@ -910,6 +937,7 @@ GC_ERROR DSGetInfo(DS_HANDLE handle, STREAM_INFO_CMD command, INFO_DATATYPE* typ
   }
 }
 
+#ifndef ZYN_MOCK_ALLOCATES
 GC_ERROR DSAnnounceBuffer(DS_HANDLE handle, void* base, size_t bytes, void* user, BUFFER_HANDLE* announced) {
   ENTER("");
   FIND(module, handle, Kind::kStream);
@@ -921,6 +949,7 @@ GC_ERROR DSAnnounceBuffer(DS_HANDLE handle, void* base, size_t bytes, void* user
   module->buffers.push_back(std::move(buffer));
   return GC_ERR_SUCCESS;
 }
+#endif
 
 GC_ERROR DSAllocAndAnnounceBuffer(DS_HANDLE handle, size_t bytes, void* user, BUFFER_HANDLE* announced) {
   ENTER("");
@@ -1014,7 +1043,7 @@ GC_ERROR DSGetNumBufferParts(DS_HANDLE handle, BUFFER_HANDLE buffer, uint32_t* c
   FIND(module, handle, Kind::kStream);
   const MockFrame& frame = static_cast<Buffer*>(buffer)->frame;
   if (frame.payloadType != PAYLOAD_TYPE_MULTI_PART) return GC_ERR_NO_DATA;
-  *count = module ? static_cast<uint32_t>(frame.parts.size()) : 0;
+  *count = module ? frame.partCount.value_or(static_cast<uint32_t>(frame.parts.size())) : 0;
   return GC_ERR_SUCCESS;
 }
 
@@ -1025,6 +1054,13 @@ GC_ERROR DSGetBufferPartInfo(DS_HANDLE handle, BUFFER_HANDLE announced, uint32_t
   const auto& buffer = *static_cast<Buffer*>(announced);
   if (index >= buffer.frame.parts.size() || !module) return GC_ERR_INVALID_INDEX;
   const MockPart& part = buffer.frame.parts[index];
+  if (const auto told = part.told.find(command); told != part.told.end()) {
+    if (!told->second) return GC_ERR_NOT_IMPLEMENTED;
+    const bool isBase = command == BUFFER_PART_INFO_BASE;
+    const std::uint64_t origin = isBase ? reinterpret_cast<std::uintptr_t>(buffer.base) : 0;
+    return PutNumber(isBase ? INFO_DATATYPE_PTR : INFO_DATATYPE_UINT64, origin + *told->second, type, out,
+                     size);
+  }
   switch (command) {
     case BUFFER_PART_INFO_BASE:
       return PutNumber(INFO_DATATYPE_PTR, buffer.base + buffer.partOffsets[index], type, out, size);

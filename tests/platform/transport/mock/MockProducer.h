@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,6 +43,9 @@ struct MockPart {
   std::uint64_t format = 0x01080001;  ///< Mono8
   unsigned char fill = 0;
   std::size_t padding = 0;
+  /// What the producer tells instead of the truth; without a value it does not answer. The base is told as a
+  /// distance from the start of the buffer.
+  std::map<GenTL::BUFFER_PART_INFO_CMD, std::optional<std::uint64_t>> told = {};
 };
 
 struct MockChunk {
@@ -62,21 +66,37 @@ struct MockFrame {
   bool isTooLarge = false;
   bool isNew = true;
   std::vector<MockChunk> chunks = {};
-  std::vector<MockPart> parts = {};  ///< for PAYLOAD_TYPE_MULTI_PART, instead of the image
+  std::vector<MockPart> parts = {};             ///< for PAYLOAD_TYPE_MULTI_PART, instead of the image
+  std::optional<std::uint32_t> partCount = {};  ///< told instead of the number of parts
+  bool isDoubled = false;                       ///< the buffer is delivered twice
+};
+
+/// How the answers to questions for a text are wrong.
+enum class TextLie {
+  kNone,
+  kHuge,          ///< the size is beyond all memory
+  kEmpty,         ///< the size is 0
+  kGrowing,       ///< never fits: whatever size is brought, it is one too few
+  kUnterminated,  ///< no NUL at the end
 };
 
 /// Everything may be called from any thread.
 class MockProducer {
  public:
   /// Runs at the start of the GenTL function of that name, without a lock; may block. `id` is the interface or
-  /// device ID where there is one. A result other than 0 is returned instead of doing the work.
+  /// device ID where there is one. A result other than 0 is returned instead of doing the work; kPretend stands for
+  /// success there.
   using Hook = std::function<GenTL::GC_ERROR(const std::string& id)>;
+  static constexpr GenTL::GC_ERROR kPretend = 1;
 
   virtual ~MockProducer() = default;
   /// Back to no interfaces, no hooks, no registers. Nothing may be open.
   virtual void Reset() = 0;
   virtual void SetInterfaces(std::vector<MockInterface> interfaces) = 0;
   virtual void SetHook(const std::string& function, Hook hook) = 0;
+
+  /// From now on every text is told so.
+  virtual void SetTextLie(TextLie lie) = 0;
 
   /// Begins to fill a queued buffer. False when there is none; that counts as an underrun.
   virtual bool BeginFrame() = 0;
