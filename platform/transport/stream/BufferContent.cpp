@@ -26,14 +26,35 @@ class PartReader {
   const GenTL::BUFFER_HANDLE buffer_;
 };
 
+constexpr std::uint32_t kMostParts = 256;  // a larger count is a broken table
+
 bool IsImageType(std::uint64_t type) {
-  return type >= GenTL::PART_DATATYPE_2D_IMAGE && type <= GenTL::PART_DATATYPE_CONFIDENCE_MAP;
+  return type >= GenTL::PART_DATATYPE_2D_IMAGE && type <= GenTL::PART_DATATYPE_3D_PLANE_QUADPLANAR;
 }
 
-PartFacts ReadPart(const PartReader& reader, std::uint32_t index, std::uint64_t offset) {
+std::optional<std::uint32_t> FindImagePart(const PartReader& reader, std::uint32_t count) {
+  std::optional<std::uint32_t> confidence;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    const std::uint64_t type = reader.GetOrZero(i, GenTL::BUFFER_PART_INFO_DATA_TYPE);
+    if (IsImageType(type)) return i;
+    if (type == GenTL::PART_DATATYPE_CONFIDENCE_MAP && !confidence) confidence = i;
+  }
+  return confidence;
+}
+
+// Nothing for a part that does not lie inside the buffer.
+std::optional<PartFacts> ReadPart(const PartReader& reader, std::uint32_t index, const unsigned char* base,
+                                  std::size_t capacity) {
+  const auto begin = reinterpret_cast<std::uintptr_t>(base);
+  const auto address = reader.Get(index, GenTL::BUFFER_PART_INFO_BASE);
+  if (!address || *address < begin || *address - begin >= capacity) return std::nullopt;
   PartFacts part;
-  part.offset = offset;
-  part.size = reader.GetOrZero(index, GenTL::BUFFER_PART_INFO_DATA_SIZE);
+  part.offset = *address - begin;
+  const std::uint64_t most = capacity - part.offset;
+  const auto size = reader.Get(index, GenTL::BUFFER_PART_INFO_DATA_SIZE);
+  part.isSizeTold = size.has_value();
+  part.size = size.value_or(most);
+  if (part.size > most) return std::nullopt;
   part.width = reader.GetOrZero(index, GenTL::BUFFER_PART_INFO_WIDTH);
   part.height = reader.GetOrZero(index, GenTL::BUFFER_PART_INFO_DELIVERED_IMAGEHEIGHT);
   if (part.height == 0) part.height = reader.GetOrZero(index, GenTL::BUFFER_PART_INFO_HEIGHT);
@@ -51,22 +72,19 @@ bool MayHoldChunks(const BufferFacts& facts) {
 
 }  // namespace
 
-std::optional<PartFacts> FindImagePart(const ProducerLibrary& producer, GenTL::DS_HANDLE stream,
-                                       GenTL::BUFFER_HANDLE buffer, const unsigned char* base,
-                                       std::size_t capacity) {
+PartTable ReadPartTable(const ProducerLibrary& producer, GenTL::DS_HANDLE stream, GenTL::BUFFER_HANDLE buffer,
+                        const unsigned char* base, std::size_t capacity) {
+  PartTable table;
+  table.isDamaged = true;
   std::uint32_t count = 0;
-  if (!producer.DSGetNumBufferParts || !producer.DSGetBufferPartInfo) return std::nullopt;
-  if (producer.DSGetNumBufferParts(stream, buffer, &count) != GenTL::GC_ERR_SUCCESS) return std::nullopt;
+  if (!producer.DSGetNumBufferParts || !producer.DSGetBufferPartInfo) return table;
+  const GenTL::GC_ERROR error = producer.DSGetNumBufferParts(stream, buffer, &count);
+  if (error != GenTL::GC_ERR_SUCCESS || count > kMostParts) return table;
   const PartReader reader(producer, stream, buffer);
-  for (std::uint32_t i = 0; i < count && i < 256; ++i) {
-    if (!IsImageType(reader.GetOrZero(i, GenTL::BUFFER_PART_INFO_DATA_TYPE))) continue;
-    const auto address = reader.Get(i, GenTL::BUFFER_PART_INFO_BASE);
-    const auto begin = reinterpret_cast<std::uintptr_t>(base);
-    if (address && *address >= begin && *address - begin < capacity) {
-      return ReadPart(reader, i, *address - begin);
-    }
-  }
-  return std::nullopt;
+  const auto index = FindImagePart(reader, count);
+  if (index) table.image = ReadPart(reader, *index, base, capacity);
+  table.isDamaged = index && !table.image;
+  return table;
 }
 
 std::vector<ChunkRange> FindChunks(const ProducerLibrary& producer, GenTL::DS_HANDLE stream,

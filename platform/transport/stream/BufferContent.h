@@ -12,11 +12,16 @@
 
 namespace zyn::transport {
 
-/// The first part of a multi-part buffer that is an image, a depth map or a plane of one. `base` and
-/// `capacity` describe the buffer. Nothing when there is none.
-std::optional<PartFacts> FindImagePart(const ProducerLibrary& producer, GenTL::DS_HANDLE stream,
-                                       GenTL::BUFFER_HANDLE buffer, const unsigned char* base,
-                                       std::size_t capacity);
+/// What the parts of a multi-part buffer say about its image.
+struct PartTable {
+  bool isDamaged = false;          ///< cannot be read, or names a place outside the buffer
+  std::optional<PartFacts> image;  ///< inside the buffer; nothing when no part is an image
+};
+
+/// The image is the first part that is one, a depth map, or a plane of either; a confidence map only where there
+/// is nothing else. `base` and `capacity` describe the buffer.
+PartTable ReadPartTable(const ProducerLibrary& producer, GenTL::DS_HANDLE stream, GenTL::BUFFER_HANDLE buffer,
+                        const unsigned char* base, std::size_t capacity);
 
 /// The chunks of a complete buffer, the image itself included where it is one: from the producer, or from the
 /// layout in memory when the producer cannot tell. Empty when there are none.

@@ -45,6 +45,11 @@ bool HasImage(const BufferFacts& facts, std::uint64_t payload) {
   return true;
 }
 
+// The bytes from one row to the next; 0, which no frame has, when the padding is garbage.
+std::uint64_t StepOf(std::uint64_t rowBytes, std::uint64_t padding) {
+  return padding <= kMostPixels ? rowBytes + padding : 0;
+}
+
 // Stores the size, cut to what the buffer really holds. A frame that had to be cut is not valid.
 void Place(FrameLayout& frame, std::uint64_t width, std::uint64_t height, std::uint64_t step,
            std::uint64_t offset, std::size_t capacity) {
@@ -74,7 +79,7 @@ void PlaceImage(FrameLayout& frame, const BufferFacts& facts, const CameraSettin
     frame.isValid = false;
     return;
   }
-  std::uint64_t step = RowBytes(format, width) + facts.GetOr(GenTL::BUFFER_INFO_XPADDING, 0);
+  std::uint64_t step = StepOf(RowBytes(format, width), facts.GetOr(GenTL::BUFFER_INFO_XPADDING, 0));
   // A format of the camera's own: the rows share what was delivered.
   if (BitsPerPixel(format) == 0 && height != 0) step = ValidBytes(facts, capacity) / height;
   frame.channels = ChannelsOf(format);
@@ -118,14 +123,14 @@ FrameLayout LayOutFrame(const BufferFacts& facts, const CameraSettings& settings
   return frame;
 }
 
-void PlacePart(FrameLayout& frame, const PartFacts& part, std::size_t capacity) {
+void PlacePart(FrameLayout& frame, const PartFacts& part) {
   const std::uint64_t rowBytes = RowBytes(part.format, part.width);
-  std::uint64_t step = rowBytes + part.padding;
+  std::uint64_t step = StepOf(rowBytes, part.padding);
   // The size of the part settles what the padding leaves open.
-  const bool isDivisible = part.height != 0 && part.size % part.height == 0;
+  const bool isDivisible = part.isSizeTold && part.height != 0 && part.size % part.height == 0;
   if (isDivisible && part.size / part.height >= rowBytes) step = part.size / part.height;
   frame.channels = ChannelsOf(part.format);
-  Place(frame, part.width, part.height, step, part.offset, capacity);
+  Place(frame, part.width, part.height, step, part.offset, static_cast<std::size_t>(part.offset + part.size));
 }
 
 }  // namespace zyn::transport

@@ -40,15 +40,17 @@ FrameLayout LayOutFrame(const BufferFacts& facts, const CameraSettings& settings
 /// The facts of one part of a multi-part buffer.
 struct PartFacts {
   std::uint64_t offset = 0;  ///< bytes from the start of the buffer
-  std::uint64_t size = 0;    ///< bytes
+  std::uint64_t size = 0;    ///< bytes, all of them inside the buffer; all that are left when nobody told it
+  bool isSizeTold = true;
   std::uint64_t width = 0;
   std::uint64_t height = 0;
   std::uint64_t padding = 0;  ///< after each row; producers disagree whether in pixels or bytes
   std::uint64_t format = 0;
 };
 
-/// Takes the image from a part into a layout made by LayOutFrame.
-void PlacePart(FrameLayout& frame, const PartFacts& part, std::size_t capacity);
+/// Takes the image from a part into a layout made by LayOutFrame. It never leaves the part: with fewer bytes than
+/// its rows need, the frame ends with the last whole row and is not valid.
+void PlacePart(FrameLayout& frame, const PartFacts& part);
 
 /// The bytes of the buffer that hold data.
 std::size_t ValidBytes(const BufferFacts& facts, std::size_t capacity);

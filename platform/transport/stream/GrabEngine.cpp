@@ -349,8 +349,9 @@ FrameLayout GrabEngine::Inspect(GenTL::BUFFER_HANDLE buffer, const unsigned char
   if (layout.result != KELGENICAM::RESULT_OK) return layout;
   const std::uint64_t payload = facts.GetOr(GenTL::BUFFER_INFO_PAYLOADTYPE, GenTL::PAYLOAD_TYPE_IMAGE);
   if (payload == GenTL::PAYLOAD_TYPE_MULTI_PART) {
-    const auto part = FindImagePart(producer_, setup_.stream.get(), buffer, announced, memory.Size());
-    if (part) PlacePart(layout, *part, memory.Size());
+    const PartTable table = ReadPartTable(producer_, setup_.stream.get(), buffer, announced, memory.Size());
+    if (table.isDamaged) layout.isValid = false;
+    if (table.image) PlacePart(layout, *table.image);
   }
   if (!layout.isValid) return layout;  // the chunks of an incomplete frame may be garbage
   layout.chunks = FindChunks(producer_, setup_.stream.get(), buffer, facts, memory.Data(), memory.Size(),

@@ -265,7 +265,7 @@ TEST(FrameLayout, NeverLeavesTheBuffer) {
           const auto end = frame.imageOffset +
                            static_cast<std::size_t>(frame.step) * static_cast<std::size_t>(frame.height);
           EXPECT_LE(end, kCapacity);
-          EXPECT_GE(frame.step, 0);
+          EXPECT_GE(frame.step, frame.width);  // of one byte per pixel
           EXPECT_GE(frame.height, 0);
         }
       }
@@ -302,10 +302,36 @@ TEST(FrameLayout, RawDataIsOneRow) {
 TEST(FrameLayout, ThePartsSizeSettlesItsStep) {
   FrameLayout frame;
   frame.isValid = true;
-  PlacePart(frame, PartFacts{16, 64, 4, 4, 4, 0x01100007}, 200);  // 8 bytes a row and 4 more, in pixels
+  PlacePart(frame, PartFacts{16, 64, true, 4, 4, 4, 0x01100007});  // 8 bytes a row and 4 more, in pixels
   EXPECT_EQ(frame.step, 16);
   EXPECT_EQ(frame.imageOffset, 16U);
   EXPECT_TRUE(frame.isValid);
+}
+
+TEST(FrameLayout, NeverLeavesThePart) {
+  const std::uint64_t numbers[] = {0, 1, 7, 50, 100, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFFFFFFFFFF};
+  const std::uint64_t formats[] = {0x01080001, 0x02180014, 0x010C0006, 0, 0xFFFFFFFFFFFFFFFF};
+  constexpr std::uint64_t kOffset = 16;
+  for (const std::uint64_t size : {0, 1, 50, 84}) {
+    for (const std::uint64_t width : numbers) {
+      for (const std::uint64_t height : numbers) {
+        for (const std::uint64_t padding : numbers) {
+          for (const std::uint64_t format : formats) {
+            FrameLayout frame;
+            frame.isValid = true;
+            PlacePart(frame, PartFacts{kOffset, size, true, width, height, padding, format});
+            const auto bytes =
+                static_cast<std::uint64_t>(frame.step) * static_cast<std::uint64_t>(frame.height);
+            EXPECT_LE(bytes, size);
+            EXPECT_EQ(frame.imageOffset, frame.hasImage ? kOffset : 0);
+            EXPECT_GE(static_cast<std::uint64_t>(frame.step),
+                      RowBytes(format, static_cast<std::uint64_t>(frame.width)));
+            EXPECT_TRUE(!frame.isValid || static_cast<std::uint64_t>(frame.height) == height);
+          }
+        }
+      }
+    }
+  }
 }
 
 // ---- memory ---------------------------------------------------------------------------------------------
