@@ -35,16 +35,22 @@ bool HasSettings(const DiscoveredDevice& camera, const IpSettings& settings) {
   return now.ip == settings.ip && now.mask == settings.mask && now.gateway == settings.gateway;
 }
 
-// An address that another camera or this computer has on the same wire would cut both off. On the loopback
-// adapter every address is this computer's, virtual cameras' ones too.
+bool HasAddress(const Adapter& adapter, Ipv4 ip) {
+  return std::any_of(adapter.addresses.begin(), adapter.addresses.end(),
+                     [&](const gige::AdapterAddress& own) { return own.ip == ip; });
+}
+
+// An address that another camera has on the same wire would cut both off, and one that this computer has, on whatever
+// adapter, would keep this computer from reaching the camera. In the loopback network every address is this
+// computer's, virtual cameras' ones too.
 bool IsTaken(Ipv4 ip, const DiscoveredDevice& camera, const std::vector<DiscoveredDevice>& all,
-             const Adapter& adapter) {
+             const std::vector<Adapter>& adapters) {
   const bool isOtherCameras = std::any_of(all.begin(), all.end(), [&](const DiscoveredDevice& other) {
     return &other != &camera && other.adapterIndex == camera.adapterIndex && other.description.ip == ip;
   });
   const bool isOurs =
-      !gige::IsLoopback(ip) && std::any_of(adapter.addresses.begin(), adapter.addresses.end(),
-                                           [&](const gige::AdapterAddress& own) { return own.ip == ip; });
+      !gige::IsLoopback(ip) && std::any_of(adapters.begin(), adapters.end(),
+                                           [&](const Adapter& adapter) { return HasAddress(adapter, ip); });
   return isOtherCameras || isOurs;
 }
 
@@ -195,7 +201,7 @@ int Assign(const std::string& serial, const IpSettings& settings, bool persisten
   // Loopback addresses are for virtual cameras on this computer only.
   const bool isVirtual = gige::IsLoopback(adapter->addresses.front().ip);
   if (gige::IsLoopback(settings.ip) && !isVirtual) return GEV_IP_INVALID_ADDRESS;
-  if (IsTaken(settings.ip, camera, all, *adapter)) return GEV_IP_ADDRESS_TAKEN;
+  if (IsTaken(settings.ip, camera, all, adapters)) return GEV_IP_ADDRESS_TAKEN;
   if (camera.control == gige::ControlState::controlled) return GEV_IP_IN_USE;
   const Assignment assignment(camera, *adapter, all, settings);
   return persistent ? assignment.Persistent() : assignment.UntilPowerOff();

@@ -66,7 +66,6 @@ class Address : public testing::Test {
     EXPECT_TRUE(client && zyn::gige::ReadPersistentIp(*client, stored) == zyn::gige::Result::ok);
     return stored;
   }
-
   std::optional<SecondNetwork> network_;
   std::optional<ChildProcess> camera_;
 };
@@ -120,6 +119,16 @@ TEST_F(Address, ACameraThatRefusesKeepsItsAddressAndStaysClosed) {
 TEST_F(Address, TheAddressOfThisComputerIsTaken) {
   Start("A5");
   EXPECT_EQ(SetCameraIP("A5", "192.168.77.1", "255.255.255.0", "0.0.0.0", false), GEV_IP_ADDRESS_TAKEN);
+  // On another adapter, too: this computer would talk to itself there.
+  const std::vector<std::string> other = {"192.168.77.66/32", "dev", "lo"};
+  const auto change = [&](const char* verb) {
+    std::vector<std::string> command = {"ip", "address", verb};
+    command.insert(command.end(), other.begin(), other.end());
+    return zyntest::RunToEnd(command).exitCode;
+  };
+  ASSERT_EQ(change("add"), 0);
+  EXPECT_EQ(SetCameraIP("A5", "192.168.77.66", "255.255.255.0", "0.0.0.0", false), GEV_IP_ADDRESS_TAKEN);
+  EXPECT_EQ(change("del"), 0);
   EXPECT_TRUE(network_->HasFarAddress(kCamera));
 }
 
