@@ -35,6 +35,13 @@ bool HasSettings(const DiscoveredDevice& camera, const IpSettings& settings) {
   return now.ip == settings.ip && now.mask == settings.mask && now.gateway == settings.gateway;
 }
 
+// The transport's name of a camera. One that has no serial number goes by its MAC address.
+std::string NameOf(const DiscoveredDevice& device) {
+  const gige::DeviceDescription& said = device.description;
+  if (!said.serial.empty() || said.mac.IsZero()) return said.serial;
+  return gige::ToText(said.mac);
+}
+
 bool HasAddress(const Adapter& adapter, Ipv4 ip) {
   return std::any_of(adapter.addresses.begin(), adapter.addresses.end(),
                      [&](const gige::AdapterAddress& own) { return own.ip == ip; });
@@ -191,7 +198,7 @@ int Assign(const std::string& serial, const IpSettings& settings, bool persisten
   const std::vector<Adapter> adapters = gige::ListAdapters();
   if (adapters.empty()) return GEV_IP_ERROR;
   const std::vector<DiscoveredDevice> all = gige::Discover(adapters, kSearch);
-  const auto hasSerial = [&](const DiscoveredDevice& device) { return device.description.serial == serial; };
+  const auto hasSerial = [&](const DiscoveredDevice& device) { return NameOf(device) == serial; };
   // With two cameras of one serial number the wrong one might be meant, so neither is touched.
   if (serial.empty() || std::count_if(all.begin(), all.end(), hasSerial) != 1) return GEV_IP_NOT_FOUND;
   const DiscoveredDevice& camera = *std::find_if(all.begin(), all.end(), hasSerial);

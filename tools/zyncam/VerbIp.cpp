@@ -98,9 +98,13 @@ CameraAddress SelectOne(const Cameras& cameras, const std::string& wanted) {
   if (hits.size() > 1)
     throw Failure(kExitNoCamera, std::to_string(hits.size()) + " cameras match \"" + wanted + "\"",
                   "choose one by its serial number, which only it may have");
-  if (hits.front().device.description.serial.empty())
-    throw Failure(kExitFailed, "the camera has no serial number, by which addresses are assigned");
   return hits.front();
+}
+
+// By which addresses are assigned.
+std::string NameOf(const CameraAddress& camera) {
+  const zyn::gige::DeviceDescription& description = camera.device.description;
+  return description.serial.empty() ? ToText(description.mac) : description.serial;
 }
 
 // The adapter's network that the address lies in, else the one that the camera was found from.
@@ -120,7 +124,7 @@ Ipv4 DefaultGateway(Ipv4 address, Ipv4 mask) {
 
 void Assign(const CameraAddress& camera, const IpOptions& options) {
   const std::string what = "cannot give " + options.address + " to " + camera.device.description.model +
-                           " (" + camera.device.description.serial + ")";
+                           " (" + NameOf(camera) + ")";
   const auto address = zyn::gige::ParseIpv4(options.address);
   if (!address) throw FailureOf(GEV_IP_INVALID_ADDRESS, what);
   const std::string mask = options.mask.empty() ? ToText(DefaultMask(camera, *address)) : options.mask;
@@ -128,8 +132,7 @@ void Assign(const CameraAddress& camera, const IpOptions& options) {
   if (!maskValue) throw FailureOf(GEV_IP_INVALID_ADDRESS, what + " with mask " + mask);
   const std::string gateway =
       options.gateway.empty() ? ToText(DefaultGateway(*address, *maskValue)) : options.gateway;
-  const int result =
-      SetCameraIP(camera.device.description.serial, options.address, mask, gateway, options.persistent);
+  const int result = SetCameraIP(NameOf(camera), options.address, mask, gateway, options.persistent);
   if (result != GEV_IP_OK) throw FailureOf(result, what + " with mask " + mask + ", gateway " + gateway);
 }
 
@@ -169,7 +172,7 @@ void ShowOrSetAddress(Console& console, const CommonOptions& common, const IpOpt
   if (!options.address.empty()) {
     const CameraAddress camera = SelectOne(cameras, options.camera);
     Assign(camera, options);
-    Print(console, common, Select(SearchAddresses(), camera.device.description.serial));
+    Print(console, common, Select(SearchAddresses(), NameOf(camera)));
     return;
   }
   if (!options.camera.empty()) cameras = Select(cameras, options.camera);

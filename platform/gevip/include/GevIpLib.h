@@ -33,8 +33,9 @@ enum GEV_IP_RESULT {
   GEV_IP_HALF_DONE = 11
 };
 
-/// Gives the camera with this serial number the address `ip` with the network mask `mask` and the default
-/// gateway `gateway`, all dotted decimal. The camera need not lie in its adapter's subnet: it is told by
+/// Gives the camera with this serial number the address `ip` with the network mask `mask` and the default gateway
+/// `gateway`, all dotted decimal. A camera without a serial number goes by its MAC address, "02:11:22:AA:BB:CC", as it
+/// does in a search. The camera need not lie in its adapter's subnet: it is told by
 /// broadcast on the adapter where it answers, and then looked for again to confirm. persistent: true also
 /// stores the address in the camera and lets it start with it; false lasts until its power goes. Returns a
 /// GEV_IP_RESULT; after any but GEV_IP_NOT_PERSISTENT, GEV_IP_NOT_REACHED and GEV_IP_HALF_DONE a camera that was not

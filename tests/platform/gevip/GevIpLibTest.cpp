@@ -135,6 +135,15 @@ TEST(SetCameraIp, UnknownEmptyAndDoubledSerialNumbersTouchNoCamera) {
   }
 }
 
+TEST(SetCameraIp, ACameraWithoutASerialNumberGoesByItsMacAddress) {
+  const ScriptedDevice unnamed(LoopbackIdentity(4, ""));
+  const ScriptedDevice named(LoopbackIdentity(5, "NAMED"));
+  EXPECT_EQ(SetCameraIP(ToText(named.Identity().mac), kIp, kMask, kGateway, false), GEV_IP_NOT_FOUND);
+  EXPECT_EQ(SetCameraIP(ToText(unnamed.Identity().mac), kIp, kMask, kGateway, false), GEV_IP_OK);
+  EXPECT_EQ(unnamed.Identity().ip, kIpValue);
+  EXPECT_EQ(named.Identity().ip, LoopbackIdentity(5, "").ip);
+}
+
 TEST(SetCameraIp, UnusableAddressesAreRefusedBeforeAnythingIsSent) {
   const struct {
     const char* ip;

@@ -8,6 +8,7 @@
 #include "ChildProcess.h"
 #include "FakeGigeCamera.h"
 #include "PrivateNetwork.h"
+#include "ScriptedDevice.h"
 #include "gige/PersistentIp.h"
 
 namespace {
@@ -173,6 +174,15 @@ TEST_F(Ip, CamerasOfOneSerialNumberCannotBeToldApart) {
   const Finished byAddress = Run({"127.0.0.7", "127.0.7.9"});
   EXPECT_EQ(byAddress.exitCode, 3);
   EXPECT_NE(byAddress.err.find("several have it"), std::string::npos) << byAddress.err;
+}
+
+TEST_F(Ip, ACameraWithoutASerialNumberGoesByItsMacAddress) {
+  const zyn::test::ScriptedDevice unnamed(zyn::test::LoopbackIdentity(9, ""));
+  const std::string mac = zyn::gige::ToText(unnamed.Identity().mac);
+  const Finished result = Run({mac, "127.0.7.9"});
+  EXPECT_EQ(result.exitCode, 0) << result.err;
+  EXPECT_EQ(unnamed.Identity().ip, Ipv4{0x7F000709});
+  EXPECT_EQ(Json({mac})[0]["address"], "127.0.7.9");
 }
 
 TEST_F(Ip, WithoutCamerasItSucceedsAndSaysSo) {
