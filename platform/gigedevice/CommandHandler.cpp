@@ -228,15 +228,30 @@ CommandHandler::Outcome CommandHandler::ForceIp(ByteView payload) {
   silent.isSilent = true;
   if (payload.size() < kForceIpBytes || controller_) return silent;
   if (!std::ranges::equal(payload.subspan(2, mac_.bytes.size()), mac_.bytes)) return silent;
-  const Ipv4 ip{Get32(payload, 20)};
-  const Ipv4 mask{Get32(payload, 36)};
-  if (ip == gige::kNoAddress) return silent;
-  if (!gige::IsSubnetMask(mask) || !gige::IsHostAddress(ip, mask) || !actions_.ChangeAddress(ip, mask))
-    return {status::kInvalidParameter, {}};
-  registers_.Set(reg::kCurrentIp, ip.value);
-  registers_.Set(reg::kCurrentMask, mask.value);
-  registers_.Set(reg::kCurrentGateway, Get32(payload, 52));
+  const gige::IpSettings settings{{Get32(payload, 20)}, {Get32(payload, 36)}, {Get32(payload, 52)}};
+  if (settings.ip == gige::kNoAddress) {
+    StartWithStoredAddress();
+    return silent;
+  }
+  if (!TakeAddress(settings)) return {status::kInvalidParameter, {}};
   return {};
+}
+
+bool CommandHandler::TakeAddress(const gige::IpSettings& settings) {
+  if (!gige::IsSubnetMask(settings.mask) || !gige::IsHostAddress(settings.ip, settings.mask)) return false;
+  if (!actions_.ChangeAddress(settings.ip, settings.mask)) return false;
+  registers_.Set(reg::kCurrentIp, settings.ip.value);
+  registers_.Set(reg::kCurrentMask, settings.mask.value);
+  registers_.Set(reg::kCurrentGateway, settings.gateway.value);
+  return true;
+}
+
+// As when the power comes on. Nobody else gives this device an address, so without a stored one it keeps what it has.
+void CommandHandler::StartWithStoredAddress() {
+  if ((registers_.Get(bootstrap::kIpConfiguration) & gige::kPersistentIpEnabled) == 0) return;
+  TakeAddress({{registers_.Get(bootstrap::kPersistentIp)},
+               {registers_.Get(bootstrap::kPersistentMask)},
+               {registers_.Get(bootstrap::kPersistentGateway)}});
 }
 
 bool CommandHandler::IsBarred(Peer sender) const {

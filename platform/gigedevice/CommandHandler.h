@@ -9,6 +9,7 @@
 
 #include "cameras/CameraModel.h"
 #include "cameras/Clock.h"
+#include "gige/ForceIp.h"
 #include "gige/GvcpWire.h"
 #include "gigedevice/BootstrapRegisters.h"
 #include "gigedevice/CameraFeatures.h"
@@ -78,6 +79,8 @@ class CommandHandler {
   Outcome Execute(const Command& command, Peer sender);
   Outcome Discover();
   Outcome ForceIp(gige::ByteView payload);
+  bool TakeAddress(const gige::IpSettings& settings);
+  void StartWithStoredAddress();
   Outcome ReadRegisters(gige::ByteView payload, Peer sender);
   Outcome WriteRegisters(gige::ByteView payload, Peer sender);
   Outcome ReadMemory(gige::ByteView payload, Peer sender);

@@ -33,6 +33,7 @@ constexpr RegisterClient::Options kPatient{std::chrono::milliseconds{1000}, 5};
 class Address : public testing::Test {
  protected:
   static constexpr const char* kCamera = "10.9.9.5";
+  static constexpr zyn::gige::MacAddress kMac{{0x02, 0x5A, 10, 9, 9, 5}};
 
   void SetUp() override { ASSERT_EQ(ZYNSDK::ZynSDKInit(), 0); }
   void TearDown() override {
@@ -66,6 +67,13 @@ class Address : public testing::Test {
     EXPECT_TRUE(client && zyn::gige::ReadPersistentIp(*client, stored) == zyn::gige::Result::ok);
     return stored;
   }
+  // No address means: look for one, as when the power comes on. Nobody is seen at no address, so this has no answer.
+  static void Restart() {
+    for (const zyn::gige::Adapter& adapter : zyn::gige::ListAdapters()) {
+      if (adapter.name == "near0") zyn::gige::ForceIp(adapter, kMac, {}, std::chrono::milliseconds{300});
+    }
+  }
+
   std::optional<SecondNetwork> network_;
   std::optional<ChildProcess> camera_;
 };
@@ -98,6 +106,14 @@ TEST_F(Address, APersistentAddressIsStoredInTheCamera) {
   const PersistentIp stored = StoredAt({0xC0A84D32});
   EXPECT_EQ(stored.settings, (zyn::gige::IpSettings{{0xC0A84D32}, {0xFFFFFF00}, {0xC0A84DFE}}));
   EXPECT_EQ(stored.methods, zyn::gige::kPersistentIpEnabled | zyn::gige::kLinkLocalEnabled);
+
+  ASSERT_EQ(SetCameraIP("A2", "192.168.77.60", "255.255.255.0", "0.0.0.0", false), GEV_IP_OK);
+  Restart();
+  EXPECT_TRUE(network_->HasFarAddress("192.168.77.50")) << "it starts with what is stored";
+  EXPECT_FALSE(network_->HasFarAddress("192.168.77.60"));
+  EXPECT_STREQ(AttributeOf("A2")->CameraIp(), "192.168.77.50");
+  EXPECT_STREQ(AttributeOf("A2")->CameraGateway(), "192.168.77.254");
+  ExpectAFeatureCanBeRead("A2");
 }
 
 TEST_F(Address, AnAddressOfAThirdNetworkIsTakenButOpensNothing) {

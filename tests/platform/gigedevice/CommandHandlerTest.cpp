@@ -303,6 +303,30 @@ TEST_F(CommandHandlerTest, ForceIpNeedsTheRightMacAndAFreeDevice) {
   EXPECT_EQ(Read(reg::kCurrentIp), ip.value);
 }
 
+TEST_F(CommandHandlerTest, ForcedToNoAddressItStartsAnewWithTheStoredOne) {
+  const Bytes restart = gige::EncodeForceIp(1, kMac, {}, {}, {});
+  EXPECT_FALSE(handler_.Handle(restart, kClient, 0)) << "nothing is stored";
+  EXPECT_EQ(Read(reg::kCurrentIp), 0x7F000002U);
+  TakeControl();
+  Write(bootstrap::kPersistentIp, 0x7F000009);
+  Write(bootstrap::kPersistentMask, 0xFFFF0000);
+  Write(bootstrap::kPersistentGateway, 0x7F000001);
+  Write(bootstrap::kIpConfiguration, gige::kDhcpEnabled);
+  Write(bootstrap::kControlPrivilege, 0);
+  EXPECT_FALSE(handler_.Handle(restart, kClient, 0));
+  EXPECT_EQ(Read(reg::kCurrentIp), 0x7F000002U) << "it is not to be used";
+  TakeControl();
+  Write(bootstrap::kIpConfiguration, gige::kPersistentIpEnabled);
+  EXPECT_FALSE(handler_.Handle(restart, kClient, 0));
+  EXPECT_EQ(Read(reg::kCurrentIp), 0x7F000002U) << "somebody controls it";
+  Write(bootstrap::kControlPrivilege, 0);
+  EXPECT_FALSE(handler_.Handle(restart, kClient, 0)) << "there is no acknowledge of a restart";
+  EXPECT_EQ(actions_.address, Ipv4{0x7F000009});
+  EXPECT_EQ(Read(reg::kCurrentIp), 0x7F000009U);
+  EXPECT_EQ(Read(reg::kCurrentMask), 0xFFFF0000U);
+  EXPECT_EQ(Read(reg::kCurrentGateway), 0x7F000001U);
+}
+
 Bytes ResendCommand(std::uint16_t block, std::uint32_t first, std::uint32_t last) {
   Bytes command = gige::EncodeReadMemory(1, 0, 0);
   command.resize(20);
