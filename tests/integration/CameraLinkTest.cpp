@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -302,6 +303,30 @@ TEST_F(CameraLink, AFileForACameraWithoutACardDoesNothing) {
   ASSERT_EQ(other.Open(path_.c_str()), 0);
   EXPECT_EQ(chain::GetInt(other, "Width"), 640);
   EXPECT_EQ(other.Close(), 0);
+}
+
+std::vector<std::string> Texts(const ZynStringArray& array) {
+  std::vector<std::string> texts;
+  for (unsigned int i = 0; i < array.length(); ++i) texts.emplace_back(array[static_cast<int>(i)].getStr());
+  return texts;
+}
+
+TEST(CameraLinkInstalled, DriversAndPortsAreListed) {
+  const fs::path folder = fs::temp_directory_path() / ("camera-link-" + std::to_string(getpid()));
+  fs::create_directories(folder);
+  const fs::path driver = folder / "libDriver.so";
+  fs::copy_file(ZYN_CL_PROTOCOL_DRIVER, driver);
+  fs::copy_file(ZYN_CL_SERIAL_LIBRARY, folder / "libclserTest.so");
+  setenv("GENICAM_CLPROTOCOL", folder.c_str(), 1);
+  setenv("CLSERIALPATH", folder.c_str(), 1);
+  EXPECT_EQ(Texts(GetCLCameraProtocols()), std::vector<std::string>{driver.string()});
+  const std::vector<std::string> ports = Texts(GetCLCameraSerials());
+  for (const char* port : {"Grabbers#Port 0", "Grabbers#Port 1"})
+    EXPECT_EQ(std::count(ports.begin(), ports.end(), port), 1) << port;
+  unsetenv("GENICAM_CLPROTOCOL");
+  unsetenv("CLSERIALPATH");
+  fs::remove_all(folder);
+  EXPECT_EQ(Texts(GetCLCameraProtocols()), std::vector<std::string>{});
 }
 
 }  // namespace
