@@ -82,7 +82,7 @@ TEST_F(VirtualCamera, AnIndependentClientReadsAndWritesItsFeatures) {
 
 TEST_F(VirtualCamera, AnIndependentClientLosesNoFrame) {
   Start({"-m", "ZS-A640"});
-  const Finished test = RunToEnd({"arv-camera-test-0.8", "--duration", "3"});
+  const Finished test = RunToEnd({"arv-camera-test-0.8", "--duration", "10"});
   EXPECT_NE(test.out.find("n_failures             = 0"), std::string::npos) << test.out << test.err;
   EXPECT_NE(test.out.find("n_missing_packets      = 0"), std::string::npos) << test.out << test.err;
   EXPECT_EQ(test.out.find("n_completed_buffers    = 0\n"), std::string::npos) << test.out << test.err;
