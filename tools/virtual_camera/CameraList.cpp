@@ -66,6 +66,41 @@ CameraEntry Entry(const json& object, const CameraEntry& defaults) {
   return camera;
 }
 
+// nlohmann begins its messages with a number of its own in brackets.
+std::string Readable(const std::string& message) {
+  const std::size_t end = message.find("] ");
+  return end == std::string::npos ? message : message.substr(end + 2);
+}
+
+json Parse(std::istream& file) {
+  try {
+    return json::parse(file, nullptr, true, true);  // comments are welcome
+  } catch (const json::exception& error) {
+    Fail("no JSON text: " + Readable(error.what()));
+  }
+}
+
+// Misspelled settings would silently do nothing.
+json ListIn(const json& root) {
+  if (!root.is_object() || !root.contains("cameras") || !root["cameras"].is_array())
+    Fail("an object with a list \"cameras\" is expected");
+  if (root.size() > 1) Fail("there is nothing to be set beside \"cameras\"");
+  if (root["cameras"].empty()) Fail("the list \"cameras\" is empty");
+  return root["cameras"];
+}
+
+std::vector<CameraEntry> Entries(std::istream& file, const CameraEntry& defaults) {
+  std::vector<CameraEntry> cameras;
+  for (const json& entry : ListIn(Parse(file))) {
+    try {
+      cameras.push_back(Entry(entry, defaults));
+    } catch (const std::runtime_error& error) {
+      Fail("cameras[" + std::to_string(cameras.size()) + "]: " + error.what());
+    }
+  }
+  return cameras;
+}
+
 void RequireModel(const std::string& name) {
   const zyn::cameras::CatalogEntry* const model = zyn::cameras::FindModel(name);
   if (model == nullptr) Fail("there is no model \"" + name + "\"");
@@ -99,18 +134,11 @@ Ipv4 ParseAddress(const std::string& text) {
 std::vector<CameraEntry> ReadCameraList(const std::string& path, const CameraEntry& defaults) {
   std::ifstream file(path, std::ios::binary);
   if (!file) Fail(path + ": the file cannot be opened");
-  const json root = json::parse(file, nullptr, false, true);
-  if (!root.is_object() || !root.contains("cameras") || !root["cameras"].is_array())
-    Fail(path + ": an object with a list \"cameras\" is expected");
-  std::vector<CameraEntry> cameras;
-  for (const json& entry : root["cameras"]) {
-    try {
-      cameras.push_back(Entry(entry, defaults));
-    } catch (const std::runtime_error& error) {
-      Fail(path + ": cameras[" + std::to_string(cameras.size()) + "]: " + error.what());
-    }
+  try {
+    return Entries(file, defaults);
+  } catch (const std::runtime_error& error) {
+    Fail(path + ": " + error.what());
   }
-  return cameras;
 }
 
 void Complete(std::vector<CameraEntry>& cameras) {

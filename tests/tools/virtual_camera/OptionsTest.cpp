@@ -77,7 +77,7 @@ TEST_F(VirtualCameraOptions, ADelayedFrameLeavesLater) {
 }
 
 TEST_F(VirtualCameraOptions, AFileSaysWhichCamerasThereAre) {
-  const std::string file = Write(R"({"cameras": [
+  const std::string file = Write(R"({"cameras": [  // comments are welcome
     {"address": "127.0.0.1", "model": "ZS-A640", "serialNumber": "FILE-1", "userDefinedName": "left"},
     {"address": "127.0.0.2", "model": "KEL-LP2000", "serialNumber": "FILE-2", "loss": 10, "seed": 3, "delay": 1},
     {"address": "127.0.0.3", "model": "ZS-A640", "loss": 1000, "resend": false}
@@ -120,16 +120,30 @@ TEST_F(VirtualCameraOptions, AFileWithAMistakeIsRefusedWithItsPlace) {
     const char* message;
   };
   const Case cases[] = {
-      {"", "a list \"cameras\" is expected"},
+      {"", "no JSON text: parse error at line 1, column 1"},
+      {"{\n  \"cameras\": [}", "no JSON text: parse error at line 2, column 15"},
+      {"[]", "a list \"cameras\" is expected"},
+      {"{}", "a list \"cameras\" is expected"},
+      {R"({"cameras": []})", "the list \"cameras\" is empty"},
+      {R"({"cameras": [{"address": "127.0.0.1"}], "loss": 1})", "nothing to be set beside \"cameras\""},
       {R"({"cameras": {}})", "a list \"cameras\" is expected"},
       {R"({"cameras": [7]})", "cameras[0]: an object is expected"},
       {R"({"cameras": [{"model": "ZS-A640"}]})", "cameras[0]: \"address\" is missing"},
       {R"({"cameras": [{"address": "127.0.0.1"}, {"address": "224.0.0.1"}]})", "cameras[1]: \"224.0.0.1\""},
+      {R"({"cameras": [{"address": 1}]})", "address: a text is expected"},
       {R"({"cameras": [{"address": "127.0.0.1", "loss": 1001}]})", "loss: a number from 0 to 1000"},
+      {R"({"cameras": [{"address": "127.0.0.1", "loss": 0.5}]})", "loss: a number from 0 to 1000"},
+      {R"({"cameras": [{"address": "127.0.0.1", "seed": -1}]})", "seed: a number from 0"},
       {R"({"cameras": [{"address": "127.0.0.1", "delay": "1"}]})", "delay: a number"},
       {R"({"cameras": [{"address": "127.0.0.1", "resend": 1}]})", "resend: true or false"},
       {R"({"cameras": [{"address": "127.0.0.1", "colour": 1}]})", "there is no setting \"colour\""},
       {R"({"cameras": [{"address": "127.0.0.1", "model": "X"}]})", "there is no model \"X\""},
+      {R"({"cameras": [{"address": "127.0.0.1", "model": "ZS-CL1280"}]})", "a Camera Link connector only"},
+      {R"({"cameras": [{"address": "127.0.0.1", "serialNumber": "A"},
+                       {"address": "127.0.0.2", "serialNumber": "A"}]})",
+       "\"A\" is there twice"},
+      {R"({"cameras": [{"address": "127.0.0.1", "userDefinedName": "1234567890123456"}]})",
+       "15 bytes at most"},
       {R"({"cameras": [{"address": "127.0.0.1"}, {"address": "127.0.0.1"}]})", "127.0.0.1 is there twice"},
       {R"({"cameras": [{"address": "127.0.0.1", "serialNumber": "1234567890123456"}]})", "15 bytes at most"},
   };
@@ -137,7 +151,35 @@ TEST_F(VirtualCameraOptions, AFileWithAMistakeIsRefusedWithItsPlace) {
     const zyntest::Finished finished = RunToEnd({ZYN_VIRTUAL_CAMERA, "-c", Write(one.json)});
     EXPECT_EQ(finished.exitCode, 1) << one.json;
     EXPECT_NE(finished.err.find(one.message), std::string::npos) << one.json << '\n' << finished.err;
+    EXPECT_EQ(finished.out, "") << one.json;
   }
+}
+
+TEST_F(VirtualCameraOptions, AFileThatIsNotThereIsNamed) {
+  const zyntest::Finished finished = RunToEnd({ZYN_VIRTUAL_CAMERA, "-c", "/no/such/file.json"});
+  EXPECT_EQ(finished.exitCode, 1);
+  EXPECT_NE(finished.err.find("/no/such/file.json: the file cannot be opened"), std::string::npos)
+      << finished.err;
+}
+
+// What the file leaves out is as on the command line.
+TEST_F(VirtualCameraOptions, OptionsAreForTheCamerasOfTheFileToo) {
+  const std::string file = Write(R"({"cameras": [
+    {"address": "127.0.0.1"}, {"address": "127.0.0.2", "model": "ZS-A640", "loss": 0}]})");
+  const VirtualCameraProcess process({"-c", file, "-m", "ZS-A1600", "--loss", "1000", "--no-resend"}, 2);
+  EXPECT_EQ(Found(), (std::map<std::string, std::string>{{"VC1", "ZS-A1600"}, {"VC2", "ZS-A640"}}));
+  ZynCamera silent;
+  ASSERT_NO_FATAL_FAILURE(Open(silent, "VC1"));
+  ASSERT_EQ(silent.SetGrabTimeout(300), 0);
+  ASSERT_EQ(silent.StartGrab(ZYN_GRAB_ONE_BY_ONE, 0), 0);
+  ZynImage image;
+  EXPECT_NE(silent.GrabImage(&image, nullptr), 0);
+  EXPECT_EQ(silent.Close(), 0);
+  ZynCamera whole;
+  ASSERT_NO_FATAL_FAILURE(Open(whole, "VC2"));
+  ASSERT_NO_FATAL_FAILURE(ShowMovingRamp(whole));
+  ASSERT_NO_FATAL_FAILURE(GrabAFewRamps(whole));
+  EXPECT_EQ(whole.Close(), 0);
 }
 
 TEST_F(VirtualCameraOptions, OneProgramIsManyCamerasThatStreamSideBySide) {
