@@ -5,8 +5,9 @@
 
 namespace zyn::transport {
 
-ModuleEvents::ModuleEvents(ProducerPtr producer, std::shared_ptr<void> module, KELGENICAM::NOTIFY_SRC source)
-    : producer_(std::move(producer)), module_(std::move(module)), source_(source) {}
+ModuleEvents::ModuleEvents(ProducerPtr producer, const std::shared_ptr<void>& module,
+                           KELGENICAM::NOTIFY_SRC source)
+    : producer_(std::move(producer)), module_(module), source_(source) {}
 
 ModuleEvents::~ModuleEvents() {
   for (const auto& pump : pumps_) pump->BeginEnd();

@@ -18,7 +18,7 @@ namespace zyn::transport {
 class ModuleEvents {
  public:
   /// Begins nothing yet. source  what the notifications name.
-  ModuleEvents(ProducerPtr producer, std::shared_ptr<void> module, KELGENICAM::NOTIFY_SRC source);
+  ModuleEvents(ProducerPtr producer, const std::shared_ptr<void>& module, KELGENICAM::NOTIFY_SRC source);
   /// Ends the waiting, see EventPump.
   ~ModuleEvents();
   ModuleEvents(const ModuleEvents&) = delete;
