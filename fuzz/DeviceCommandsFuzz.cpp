@@ -1,5 +1,5 @@
 // Commands at a device: whatever arrives, it neither crashes nor hangs, and answers only what asks for it. The input
-// is a list of datagrams, each behind one byte that tells its length; the sender holds control.
+// is a list of datagrams, each behind one byte that tells its length; the sender holds control until it gives it up.
 #include <cstdint>
 #include <cstdlib>
 #include <span>
@@ -23,7 +23,10 @@ class NoActions final : public gigedevice::DeviceActions {
     if (!target.IsOpen()) std::abort();
   }
   void Resend(const gigedevice::ResendRequest& /*request*/) override {}
-  bool ChangeAddress(gige::Ipv4 /*ip*/, gige::Ipv4 /*mask*/) override { return true; }
+  bool ChangeAddress(gige::Ipv4 ip, gige::Ipv4 mask) override {
+    if (!gige::IsSubnetMask(mask) || !gige::IsHostAddress(ip, mask)) std::abort();
+    return true;
+  }
 };
 
 void Check(std::span<const std::uint8_t> command,
