@@ -14,6 +14,8 @@
 #include "gige/Discovery.h"
 #include "gige/ForceIp.h"
 #include "gige/RegisterClient.h"
+#include "gigedevice/GvspWire.h"
+#include "gigedevice/MessageChannel.h"
 
 namespace zyn::gigedevice {
 namespace {
@@ -98,6 +100,27 @@ class GigeDeviceTest : public testing::Test {
       if ((packet[4] & 0x7FU) != 2) continue;
       block.trailer = IdOf(packet);
       return block;
+    }
+  }
+  // Asks for packets of a block once more, with short numbers or long ones.
+  void AskAgain(std::uint64_t id, std::uint32_t first, std::uint32_t last, bool isLong = false) {
+    gige::Bytes command(gige::kGvcpHeaderBytes + (isLong ? 20 : 12));
+    command[0] = gige::kGvcpKey;
+    command[1] = isLong ? 0x10 : 0;
+    command[3] = 0x40;
+    command[5] = isLong ? 20 : 12;
+    command[7] = 1;
+    if (!isLong) cameras::StoreBig(&command[10], id, 2);
+    cameras::StoreBig(&command[12], first, 4);
+    cameras::StoreBig(&command[16], last, 4);
+    if (isLong) cameras::StoreBig(&command[20], id, 8);
+    receiver_->SendTo({kDevice, gige::kGvcpPort}, command);
+  }
+  // The next packet with this status; an empty one when none comes.
+  gige::Bytes NextWithStatus(std::uint16_t status) {
+    while (true) {
+      gige::Bytes packet = NextPacket();
+      if (packet.size() < 8 || LoadBig(packet.data(), 2) == status) return packet;
     }
   }
   std::size_t DataBytes(const Received& block, std::size_t header) {
@@ -255,16 +278,7 @@ TEST_F(GigeDeviceTest, LostPacketsAreSentAgainWhenAskedFor) {
   const std::uint32_t last = 23;  // 30,720 bytes of image: 21 packets, leader, trailer
   for (int round = 0; round < 200 && block.packets.size() < last; ++round) {
     for (std::uint32_t packet = 0; packet < last; ++packet) {
-      if (block.packets.count(packet) != 0) continue;
-      gige::Bytes command = gige::EncodeReadMemory(1, 0, 0);
-      command.resize(20);
-      command[1] = 0;
-      command[3] = 0x40;
-      command[5] = 12;
-      cameras::StoreBig(&command[10], id, 2);
-      cameras::StoreBig(&command[12], packet, 4);
-      cameras::StoreBig(&command[16], packet, 4);
-      receiver_->SendTo({kDevice, gige::kGvcpPort}, command);
+      if (block.packets.count(packet) == 0) AskAgain(id, packet, packet);
     }
     std::uint32_t value = 0;
     ASSERT_EQ(client_->ReadRegister(0, value), Result::ok);  // behind it, the requests are done
@@ -275,6 +289,77 @@ TEST_F(GigeDeviceTest, LostPacketsAreSentAgainWhenAskedFor) {
     }
   }
   EXPECT_EQ(block.packets.size(), std::size_t{last});
+}
+
+TEST_F(GigeDeviceTest, PacketsSentAgainDifferInTheirMarkOnly) {
+  for (const bool isLong : {false, true}) {
+    camera_ = cameras::MakeCamera("ZS-A640", "S1");
+    Start(Settings(kDevice));
+    Write(reg::kStreamConfiguration, isLong ? 1U << 30U : 0);
+    Execute("AcquisitionStart");
+    const Received block = ReceiveBlock();
+    Execute("AcquisitionStop");
+    const std::uint64_t number = LoadBig(&block.packets.at(0)[isLong ? 8 : 2], isLong ? 8 : 2);
+    AskAgain(number, 0, 0xFFFFFFFF, isLong);  // up to the end, whatever its number is
+    for (std::uint32_t id = 0; id <= block.trailer; ++id) {
+      gige::Bytes again;
+      do again = NextPacket();
+      while (again.size() >= 8 && again[isLong ? 3 : 0] != 1);
+      ASSERT_GE(again.size(), 8U) << "packet " << id;
+      again[isLong ? 3 : 0] = 0;
+      EXPECT_EQ(again, block.packets.at(id)) << "packet " << id;
+    }
+    device_.reset();
+    receiver_ = DeviceSocket::BoundTo(kHost, 0, false);
+  }
+}
+
+TEST_F(GigeDeviceTest, WhatCannotBeSentAgainIsToldSo) {
+  Start(Settings(kDevice));
+  camera_->GetFaults().DamageFrames(1);
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  Execute("AcquisitionStop");
+  struct Case {
+    std::uint64_t block;
+    std::uint32_t packet;
+    bool isLong;
+  };
+  const Case cases[] = {
+      {block.id, block.trailer - 1, false},  // the camera never had it
+      {60'000, 5, false},                    // no such block
+      {block.id, 1, true},                   // its number is short
+      {0x123456789ABCU, 7, true},
+  };
+  for (const Case& one : cases) {
+    AskAgain(one.block, one.packet, one.packet, one.isLong);
+    const gige::Bytes answer = NextWithStatus(stream_status::kUnavailable);
+    ASSERT_EQ(answer.size(), one.isLong ? 20U : 8U) << one.block;
+    EXPECT_EQ(IdOf(answer), one.packet);
+    EXPECT_EQ(LoadBig(&answer[one.isLong ? 8 : 2], one.isLong ? 8 : 2), one.block);
+  }
+}
+
+TEST_F(GigeDeviceTest, BlocksCountOnOverStopsWithAGapForEachLostFrameAndAnewWithTheChannel) {
+  Start(Settings(kDevice));
+  camera_->GetFaults().DropFrames(2);
+  std::uint64_t last = 0;
+  for (int round = 0; round < 3; ++round) {
+    Execute("AcquisitionStart");
+    for (int i = 0; i < 3; ++i) {
+      const std::uint64_t id = ReceiveBlock().id;
+      EXPECT_GE(id, last == 0 ? 3U : last + 1) << "round " << round;
+      last = id;
+    }
+    Execute("AcquisitionStop");
+  }
+  Write(reg::kStreamPort, 0);
+  receiver_ = DeviceSocket::BoundTo(kHost, 0, false);
+  Write(reg::kStreamPort, receiver_->Port());
+  Execute("AcquisitionStart");
+  const std::uint64_t first = ReceiveBlock().id;
+  EXPECT_GE(first, 1U);
+  EXPECT_LT(first, last);
 }
 
 TEST_F(GigeDeviceTest, TheSameSeedLosesTheSamePackets) {
@@ -378,6 +463,34 @@ TEST_F(GigeDeviceEventsTest, WhatIsNotAcknowledgedIsRepeatedAndThenGivenUp) {
   const gige::Bytes first = NextMessage();
   EXPECT_EQ(LoadBig(&first[2], 2), 0x00C2U);
   EXPECT_EQ(RequestOf(first), 2U);
+}
+
+TEST_F(GigeDeviceEventsTest, WhileManyWaitLaterOnesAreLost) {
+  constexpr std::uint64_t kWaiting = MessageChannel::kMostWaiting;
+  constexpr std::uint64_t kFrames = kWaiting + 10;
+  StartWithEvents(kLongMs, 3);
+  Execute("AcquisitionStart");
+  gige::Bytes message = NextMessage();  // of the start; the frames' wait for its acknowledge
+  const auto acknowledge = [&] {
+    const std::uint16_t request = RequestOf(message);
+    Acknowledge(message, request);
+    do message = NextMessage();
+    while (message.size() >= 8 &&
+           RequestOf(message) == request);  // on a busy machine it is repeated meanwhile
+  };
+  while (ReceiveBlock().id <= kFrames) {
+  }
+  std::uint64_t last = 0;
+  for (std::uint64_t i = 0; i < kWaiting; ++i) {
+    acknowledge();
+    ASSERT_EQ(message.size(), 32U) << i;
+    const std::uint64_t frame = LoadBig(&message[24], 8);
+    EXPECT_GT(frame, last);
+    last = frame;
+  }
+  acknowledge();
+  ASSERT_EQ(message.size(), 32U);
+  EXPECT_GE(LoadBig(&message[24], 8), kFrames);
 }
 
 TEST_F(GigeDeviceEventsTest, NoAcknowledgeIsAskedForWithoutATimeout) {
