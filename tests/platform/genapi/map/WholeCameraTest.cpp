@@ -58,6 +58,7 @@ TEST(WholeCamera, EveryStandardFeatureIsThereAndKeepsItsValue) {
   FeatureList_t categories;
   camera.As<ICategory>("Root").GetFeatures(categories);
   ASSERT_EQ(categories.size(), 10U);
+  EXPECT_TRUE(camera.Node("Root").IsFeature());
   int count = 0;
   for (IValue* const category : categories) {
     FeatureList_t features;
@@ -66,6 +67,15 @@ TEST(WholeCamera, EveryStandardFeatureIsThereAndKeepsItsValue) {
     count += static_cast<int>(features.size());
   }
   EXPECT_EQ(count, kStandardCameraFeatures);
+  // What came back could have been wrong in both directions alike: the bytes of one feature of each kind.
+  const struct {
+    const char* kind;
+    std::size_t address;
+    int byte;
+  } bytes[] = {{"selector", 0x103, 1},    {"integer", 0x10B, 8}, {"converter", 0x153, 15},
+               {"enumeration", 0x17B, 1}, {"boolean", 0x19D, 1}, {"string", 0x1AC, 'a'},
+               {"command", 0x1D5, 1}};
+  for (const auto& row : bytes) EXPECT_EQ(camera.port.bytes[row.address], row.byte) << row.kind;
   // The first feature of each category chose the second place, so the first place is untouched.
   camera.Value("DeviceControlSelector").FromString("First");
   EXPECT_EQ(camera.Text("DeviceControlInteger0"), "0");
