@@ -9,9 +9,11 @@
 #include "Base/GCException.h"
 #include "description/Injection.h"
 #include "description/Linker.h"
+#include "description/NodeDraft.h"
 #include "description/NumberText.h"
 #include "description/SchemaLayout.h"
 #include "description/SourceText.h"
+#include "description/ToleranceNotes.h"
 #include "description/XmlReader.h"
 
 namespace zyn::genapi {
@@ -63,79 +65,26 @@ bool IsAboutAnyNode(Element element) {
          element == Element::docuUrl;
 }
 
-// A node while it is read.
-struct Draft {
-  NodeKind kind = NodeKind::unknown;
-  GENAPI_NAMESPACE::ENameSpace nameSpace = GENAPI_NAMESPACE::Custom;
-  GENAPI_NAMESPACE::EYesNo exposeStatic = GENAPI_NAMESPACE::_UndefinedYesNo;
-  std::int8_t priority = 0;
-  std::uint32_t line = 0;
-  std::string name;
-  // Of an inner node: its own name, without that of the node around it.
-  std::string ownName;
-  // The number of a link is that of the name, that of an inner node its place among inner.
-  std::vector<Property> properties;
-  std::bitset<kElementCount> has;
-  // For what is noted about the order.
-  const SchemaLayout* layout = nullptr;
-  std::bitset<kElementCount> empty;
-  std::uint8_t lastPlace = 0;
-  bool isOutOfOrder = false;
-  // Only the first innerCount: the others wait, with the memory they have, for the next node.
-  std::vector<Draft> inner;
-  std::size_t innerCount = 0;
-
-  bool IsEmpty(Element element) const { return empty[static_cast<std::size_t>(element)]; }
-  bool Has(Element element) const { return has[static_cast<std::size_t>(element)]; }
-  const Property* Find(Element element) const {
-    if (!Has(element)) return nullptr;
-    const auto found =
-        std::find_if(properties.begin(), properties.end(),
-                     [element](const Property& property) { return property.element == element; });
-    return found == properties.end() ? nullptr : &*found;
-  }
-  Draft& AddInner() {
-    if (innerCount == inner.size()) inner.emplace_back();
-    return inner[innerCount++];
-  }
-  std::string Label() const {
-    return Brief(name) + " (" + XmlName(kind) + ", line " + std::to_string(line) + ")";
-  }
-  void Clear() {
-    properties.clear();
-    has.reset();
-    empty.reset();
-    innerCount = 0;
-    ownName.clear();
-    lastPlace = 0;
-    isOutOfOrder = false;
-  }
-};
-
-bool IsOneOf(std::string_view name, std::initializer_list<std::string_view> names) {
-  return std::find(names.begin(), names.end(), name) != names.end();
-}
-
 // Reads one document, each node as it comes by.
 class Builder {
  public:
-  Builder(std::string_view xml, Description& description) : reader_(xml), description_(&description) {}
+  Builder(std::string_view xml, Description& description)
+      : reader_(xml), description_(&description), notes_(reader_, description) {}
 
   void ReadDevice() {
     Open();
     ReadFacts();
-    NoteFacts();
+    notes_.NoteFacts();
     ReadNodes(0);
-    NoteOddities();
+    notes_.NoteOddities();
   }
 
   void ReadInjected() {
     const auto first = static_cast<NodeId>(description_->nodes.size());
     priorities_.assign(first, 0);
-    judgesOrder_ = description_->facts.schemaVersion.Minor > 0;
     Open();
     ReadNodes(0);
-    NoteOddities();
+    notes_.NoteOddities();
     MergeInjected(*description_, first, priorities_);
   }
 
@@ -147,80 +96,10 @@ class Builder {
                               FullName().c_str(), reader_.Line());
   }
 
-  template <class Write>
-  void Note(const Write& write) {
-    description_->Tolerate(write);
-  }
-
-  static std::string AtLine(std::uint32_t line) { return " at line " + std::to_string(line); }
-
-  // About the document as a whole.
-
-  void NoteFacts() {
-    std::string missing;
-    for (const char* const name : {"ModelName", "VendorName", "StandardNameSpace", "SchemaMajorVersion",
-                                   "SchemaMinorVersion", "SchemaSubMinorVersion", "MajorVersion",
-                                   "MinorVersion", "SubMinorVersion", "ProductGuid", "VersionGuid"}) {
-      bool isThere = false;
-      reader_.EachAttribute(
-          [&](std::string_view found, std::string_view) { isThere = isThere || found == name; });
-      if (!isThere) missing.append(missing.empty() ? "" : ", ").append(name);
-    }
-    if (!missing.empty())
-      Note([&] {
-        return "RegisterDescription" + AtLine(reader_.Line()) + " lacks the attributes " + missing;
-      });
-    if (!HasKnownNameSpace())
-      Note([&] {
-        return "RegisterDescription" + AtLine(reader_.Line()) +
-               " is in no known XML name space; its attributes say which schema it follows";
-      });
-    judgesOrder_ = description_->facts.schemaVersion.Minor > 0;
-  }
-
-  bool HasKnownNameSpace() {
-    const std::string_view full = reader_.FullName();
-    const std::size_t colon = full.find(':');
-    const std::string attribute =
-        colon == full.npos ? "xmlns" : "xmlns:" + std::string(full.substr(0, colon));
-    return IsOneOf(Trim(reader_.Attribute(attribute)), {"http://www.genicam.org/GenApi/Version_1_0",
-                                                        "http://www.genicam.org/GenApi/Version_1_1"});
-  }
-
-  void NoteOddities() {
-    const XmlReader::Oddities& seen = reader_.Seen();
-    if (seen.looseReference > 0)
-      Note([&] {
-        return "A & that begins no known reference stands for itself, first" + AtLine(seen.looseReference);
-      });
-    if (seen.strayText > 0)
-      Note([&] { return "Text between elements was skipped, first" + AtLine(seen.strayText); });
-    if (seen.strayElement > 0)
-      Note([&] { return "Elements inside a text were skipped, first" + AtLine(seen.strayElement); });
-    if (firstBlanks_ > 0)
-      Note([&] { return "White space around values and names was ignored, first" + AtLine(firstBlanks_); });
-  }
-
   std::string_view Trimmed(std::string_view text) {
     const std::string_view trimmed = Trim(text);
-    if (trimmed.size() != text.size() && firstBlanks_ == 0) firstBlanks_ = reader_.Line();
+    if (trimmed.size() != text.size()) notes_.NoteBlanks();
     return trimmed;
-  }
-
-  // Those of other name spaces mean nothing here.
-  void NoteAttribute(std::string_view name) {
-    if (name.find(':') != name.npos || name == "xmlns") return;
-    Note([&] {
-      return "Attribute '" + Brief(name) + "' of element '" + FullName() + "'" + AtLine(reader_.Line()) +
-             " is unknown and was skipped";
-    });
-  }
-
-  void NoteAttributesBut(std::initializer_list<std::string_view> known) {
-    if (!reader_.HasAttributes()) return;
-    reader_.EachAttribute([&](std::string_view name, std::string_view) {
-      if (!IsOneOf(name, known)) NoteAttribute(name);
-    });
   }
 
   std::string FullName() const { return Brief(reader_.FullName()); }
@@ -234,10 +113,7 @@ class Builder {
       throw PROPERTY_EXCEPTION("Attribute %s of RegisterDescription at line %u is no version number: '%s'",
                                attribute, reader_.Line(), text.substr(0, 100).c_str());
     if (*value <= kMaxVersion) return static_cast<int>(*value);
-    Note([&] {
-      return "Attribute " + std::string(attribute) + " of RegisterDescription" + AtLine(reader_.Line()) +
-             " is beyond 16 bits; 65535 stands for it";
-    });
+    notes_.NoteHugeVersion(attribute);
     return kMaxVersion;
   }
 
@@ -268,7 +144,7 @@ class Builder {
     while (reader_.NextChild()) {
       const std::string_view name = reader_.Name();
       if (name == "Group") {
-        NoteAttributesBut({"Comment"});
+        notes_.NoteAttributesBut({"Comment"});
         if (groupDepth == kMaxGroupDepth) reader_.FailTooDeep();
         ReadNodes(groupDepth + 1);
       } else if (name == "StructReg") {
@@ -284,17 +160,10 @@ class Builder {
   void ReadTopNode(std::string_view kindName) {
     const auto kind = FindNodeKind(kindName);
     if (!kind) {
-      const std::string name = Attribute("Name");
-      Note([&] {
-        return "Element '" + FullName() + "' (name '" + Brief(name) + "')" + AtLine(reader_.Line()) +
-               ": no such kind of node is known";
-      });
-      if (Trim(name).empty()) return reader_.Skip();
+      notes_.NoteUnknownKind();
+      if (Trim(reader_.Attribute("Name")).empty()) return reader_.Skip();
     } else if (IsNeverImplemented(*kind)) {
-      Note([&] {
-        return "Element '" + FullName() + "' (name '" + Brief(Attribute("Name")) + "')" +
-               AtLine(reader_.Line()) + ": nodes of this kind are never implemented";
-      });
+      notes_.NoteNeverImplemented();
     }
     Begin(draft_, kind.value_or(NodeKind::unknown));
     draft_.name = RequiredName();
@@ -302,7 +171,7 @@ class Builder {
     Add(draft_);
   }
 
-  void Begin(Draft& draft, NodeKind kind) {
+  void Begin(NodeDraft& draft, NodeKind kind) {
     draft.Clear();
     draft.kind = kind;
     draft.layout = &LayoutOf(kind);
@@ -319,7 +188,7 @@ class Builder {
       } else if (name == "ExposeStatic") {
         draft.exposeStatic = Trim(value) == "Yes" ? GENAPI_NAMESPACE::Yes : GENAPI_NAMESPACE::No;
       } else if (!IsNeverImplemented(kind) && name != "Comment") {
-        NoteAttribute(name);
+        notes_.NoteAttribute(name);
       }
     });
   }
@@ -339,11 +208,11 @@ class Builder {
   // A structure is as many masked registers as it has entries; what an entry does not say, the structure says
   // for it, before or after the entry.
   void ReadStruct() {
-    Draft structure;
+    NodeDraft structure;
     Begin(structure, NodeKind::maskedIntReg);
     structure.name = "StructReg";
     structure.layout = &StructLayout();
-    std::deque<Draft> entries;
+    std::deque<NodeDraft> entries;
     while (reader_.NextChild()) {
       if (reader_.Name() == "StructEntry") {
         Begin(entries.emplace_back(), NodeKind::maskedIntReg);
@@ -354,14 +223,14 @@ class Builder {
         ReadProperty(structure);
       }
     }
-    for (Draft& entry : entries) {
+    for (NodeDraft& entry : entries) {
       Inherit(structure, entry);
       Add(entry);
       entry = {};
     }
   }
 
-  void Inherit(const Draft& structure, Draft& entry) {
+  void Inherit(const NodeDraft& structure, NodeDraft& entry) {
     const std::bitset<kElementCount> own = entry.has;
     entry.empty |= structure.empty;
     for (const Property& property : structure.properties) {
@@ -377,42 +246,18 @@ class Builder {
     }
   }
 
-  void CheckCount(const Draft& draft) const {
+  void CheckCount(const NodeDraft& draft) const {
     if (description_->properties.size() + draft.properties.size() > kMaxProperties)
       throw RUNTIME_EXCEPTION("The description holds too many elements, at node %s", draft.Label().c_str());
   }
 
   // Properties
 
-  void ReadProperty(Draft& draft) {
+  void ReadProperty(NodeDraft& draft) {
     const auto known = FindElement(reader_.Name());
     if (known) return ReadKnown(draft, *known);
-    NoteUnknown(draft);
+    notes_.NoteUnknownElement(draft);
     reader_.Skip();
-  }
-
-  void NoteUnknown(const Draft& draft) {
-    if (reader_.Name() == "Extension" || IsNeverImplemented(draft.kind)) return;
-    Note([&] {
-      return "Element '" + FullName() + "'" + AtLine(reader_.Line()) + " of node " + draft.Label() +
-             " is unknown and was skipped";
-    });
-  }
-
-  // What the schema does not have there keeps its meaning, if it has one.
-  void JudgePlace(Draft& draft, Element element) {
-    const std::uint8_t place = draft.layout->PlaceOf(element);
-    if (place == 0)
-      return Note([&] {
-        return "Element " + std::string(XmlName(element)) + AtLine(reader_.Line()) + " of node " +
-               draft.Label() + " does not belong to this kind of node";
-      });
-    if (place < draft.lastPlace && judgesOrder_ && !std::exchange(draft.isOutOfOrder, true))
-      Note([&] {
-        return "Elements of node " + draft.Label() + " are not in the order of the schema, first " +
-               XmlName(element) + AtLine(reader_.Line());
-      });
-    draft.lastPlace = place;
   }
 
   static bool Belongs(NodeKind kind, Element element) {
@@ -422,8 +267,8 @@ class Builder {
     return element != Element::enumEntry || kind == NodeKind::enumeration;
   }
 
-  void ReadKnown(Draft& draft, Element element) {
-    if (!IsNeverImplemented(draft.kind)) JudgePlace(draft, element);
+  void ReadKnown(NodeDraft& draft, Element element) {
+    if (!IsNeverImplemented(draft.kind)) notes_.NotePlace(draft, element);
     if (!Belongs(draft.kind, element)) return reader_.Skip();
     CheckCount(draft);
     const Lexical lexical = LexicalOf(element, draft.kind);
@@ -443,23 +288,20 @@ class Builder {
     if (offset.size > 0) Put(draft, {Element::pOffset, property.line, offset, {}, offsetName}, true);
   }
 
-  void Put(Draft& draft, const Property& property, bool mayRepeat = false) {
+  void Put(NodeDraft& draft, const Property& property, bool mayRepeat = false) {
     const bool isNew = !draft.Has(property.element);
     if (isNew || mayRepeat || MayRepeat(property.element)) {
       draft.properties.push_back(property);
       return draft.has.set(static_cast<std::size_t>(property.element)), void();
     }
     *const_cast<Property*>(draft.Find(property.element)) = property;
-    Note([&] {
-      return "Element " + std::string(XmlName(property.element)) + " of node " + draft.Label() +
-             " is repeated; the one" + AtLine(property.line) + " holds";
-    });
+    notes_.NoteRepeated(draft, property);
   }
 
-  void ReadInner(Draft& draft, Element element) {
+  void ReadInner(NodeDraft& draft, Element element) {
     const bool isEntry = element == Element::enumEntry;
     Property property{element, reader_.Line(), {}, {}, static_cast<std::int64_t>(draft.innerCount)};
-    Draft& inner = draft.AddInner();
+    NodeDraft& inner = draft.AddInner();
     Begin(inner, isEntry ? NodeKind::enumEntry : NodeKind::intSwissKnife);
     inner.ownName = isEntry ? RequiredName() : Trim(reader_.Attribute("Name"));
     if (inner.ownName.empty()) inner.ownName = std::to_string(draft.innerCount);
@@ -475,23 +317,23 @@ class Builder {
       case Element::constant:
       case Element::expression:
       case Element::pVariable:
-        NoteAttributesBut({"Name"});
+        notes_.NoteAttributesBut({"Name"});
         return InternText(Trimmed(reader_.Attribute("Name")));
       case Element::valueIndexed:
       case Element::pValueIndexed:
-        NoteAttributesBut({"Index"});
+        notes_.NoteAttributesBut({"Index"});
         return InternText(Trimmed(reader_.Attribute("Index")));
       case Element::pIndex:
-        NoteAttributesBut({"Offset", "pOffset"});
+        notes_.NoteAttributesBut({"Offset", "pOffset"});
         return InternText(Trimmed(reader_.Attribute("Offset")));
       default:
-        NoteAttributesBut({});
+        notes_.NoteAttributesBut({});
         return {};
     }
   }
 
   // An Index or Offset is a number.
-  void CheckAttribute(const Draft& draft, std::string_view tag, const Property& property) const {
+  void CheckAttribute(const NodeDraft& draft, std::string_view tag, const Property& property) const {
     const bool isOffset = property.element == Element::pIndex;
     if (!isOffset && property.element != Element::valueIndexed && property.element != Element::pValueIndexed)
       return;
@@ -503,7 +345,7 @@ class Builder {
   }
 
   // Returns false when an empty element leaves the default.
-  bool ReadValue(const Draft& draft, std::string_view tag, Lexical lexical, std::string_view text,
+  bool ReadValue(const NodeDraft& draft, std::string_view tag, Lexical lexical, std::string_view text,
                  Property& property) {
     const auto malformed = [&](const char* expected) {
       Malformed(draft, tag, property.line, text, expected);
@@ -532,7 +374,7 @@ class Builder {
       case Lexical::integer: {
         const auto value = ParseInteger(Trimmed(text));
         if (!value) malformed("an integer");
-        NoteInteger(draft, property, text, *value);
+        notes_.NoteInteger(draft, property, text, *value);
         property.number = *value;
         return true;
       }
@@ -552,19 +394,7 @@ class Builder {
     return true;
   }
 
-  void NoteInteger(const Draft& draft, const Property& property, std::string_view text, std::int64_t value) {
-    const bool isWrapped = value < 0 && text.find('-') == text.npos;
-    const bool isHex = text.find_first_of("xX") != text.npos;
-    const bool isCut = !isHex && text.find_first_of(".eE") != text.npos;
-    if (!isWrapped && !isCut) return;
-    Note([&] {
-      return "Element " + std::string(XmlName(property.element)) + AtLine(property.line) + " of node " +
-             draft.Label() + ": '" + std::string(Trim(text).substr(0, 100)) + "' was taken as " +
-             std::to_string(value);
-    });
-  }
-
-  [[noreturn]] static void Malformed(const Draft& draft, std::string_view tag, std::uint32_t line,
+  [[noreturn]] static void Malformed(const NodeDraft& draft, std::string_view tag, std::uint32_t line,
                                      std::string_view text, const char* expected) {
     throw PROPERTY_EXCEPTION("Element %s of node '%s' at line %u is not %s: '%s'", std::string(tag).c_str(),
                              draft.name.c_str(), line, expected, std::string(text.substr(0, 100)).c_str());
@@ -572,11 +402,10 @@ class Builder {
 
   // Finished nodes
 
-  NodeId Add(Draft& draft) {
+  NodeId Add(NodeDraft& draft) {
     CheckCount(draft);
     CheckMandatory(draft);
-    NoteMissing(draft);
-    NoteAlternatives(draft);
+    notes_.NoteFinished(draft);
     Description& out = *description_;
     const auto id = static_cast<NodeId>(out.nodes.size());
     NodeRecord record{};
@@ -597,12 +426,12 @@ class Builder {
   }
 
   // Nodes inside a node follow it, so that every node's properties stay together.
-  void AddInner(Draft& outer, NodeId outerId) {
+  void AddInner(NodeDraft& outer, NodeId outerId) {
     const std::uint32_t first = description_->nodes[outerId].firstProperty;
     for (std::uint32_t i = first; i < first + outer.properties.size(); ++i) {
       const Element element = description_->properties[i].element;
       if (element != Element::enumEntry && element != Element::intSwissKnife) continue;
-      Draft& inner = outer.inner[static_cast<std::size_t>(description_->properties[i].number)];
+      NodeDraft& inner = outer.inner[static_cast<std::size_t>(description_->properties[i].number)];
       const std::size_t nameBytes = outer.name.size() + inner.ownName.size();
       if (description_->text.size() + nameBytes > kMaxTextBytes)
         throw RUNTIME_EXCEPTION("The names of inner nodes are too long, at node %s", inner.Label().c_str());
@@ -613,7 +442,7 @@ class Builder {
     }
   }
 
-  void CheckMandatory(const Draft& draft) {
+  void CheckMandatory(const NodeDraft& draft) {
     switch (draft.kind) {
       case NodeKind::integer:
       case NodeKind::floating:
@@ -635,7 +464,6 @@ class Builder {
         return RequireOneOf(draft, {Element::pValue});
       case NodeKind::maskedIntReg:
         RequireOneOf(draft, {Element::bit, Element::lsb, Element::msb});
-        NoteBitOrder(draft);
         [[fallthrough]];
       case NodeKind::intReg:
       case NodeKind::floatReg:
@@ -648,70 +476,7 @@ class Builder {
     }
   }
 
-  // What the schema asks for and the node can do without.
-  void NoteMissing(const Draft& draft) {
-    switch (draft.kind) {
-      case NodeKind::integer:
-      case NodeKind::floating:
-        if (!draft.Has(Element::pIndex)) return;
-        NoteIfNone(draft, {Element::valueIndexed, Element::pValueIndexed}, "the default always holds");
-        return NoteIfNone(draft, {Element::valueDefault, Element::pValueDefault},
-                          "other indices have no value");
-      case NodeKind::command:
-        return NoteIfNone(draft, {Element::commandValue, Element::pCommandValue}, "1 is written");
-      case NodeKind::enumeration:
-        return NoteIfNone(draft, {Element::enumEntry, Element::pEnumEntry}, "it is never implemented");
-      case NodeKind::maskedIntReg:
-        if (!draft.Has(Element::bit) && draft.Has(Element::lsb) != draft.Has(Element::msb))
-          NoteIfNone(draft, {draft.Has(Element::lsb) ? Element::msb : Element::lsb}, "it has one bit");
-        [[fallthrough]];
-      case NodeKind::intReg:
-      case NodeKind::floatReg:
-        NoteIfNone(draft, {Element::endianess}, "it is little-endian");
-        [[fallthrough]];
-      case NodeKind::stringReg:
-      case NodeKind::reg:
-        NoteIfNone(draft, {Element::address, Element::pAddress, Element::pIndex, Element::intSwissKnife},
-                   "it is 0");
-        return NoteIfNone(draft, {Element::accessMode}, "it is read-only");
-      default:
-        return;
-    }
-  }
-
-  // An element that is there but empty stands for its default by the schema.
-  void NoteIfNone(const Draft& draft, std::initializer_list<Element> elements, const char* consequence) {
-    for (const Element element : elements)
-      if (draft.Has(element) || draft.IsEmpty(element)) return;
-    Note([&] {
-      return "Node " + draft.Label() + " has no element " + XmlName(*elements.begin()) + ": " + consequence;
-    });
-  }
-
-  void NoteAlternatives(const Draft& draft) {
-    for (const Alternative& pair : kAlternatives) {
-      if (!draft.Has(pair.loses) || !draft.Has(pair.holds)) continue;
-      Note([&] {
-        return "Node " + draft.Label() + " has both " + XmlName(pair.loses) + " and " + XmlName(pair.holds) +
-               "; " + XmlName(pair.holds) + " holds";
-      });
-    }
-  }
-
-  // Little-endian registers count from the least significant bit, big-endian ones from the most significant.
-  void NoteBitOrder(const Draft& draft) {
-    const Property* const lsb = draft.Find(Element::lsb);
-    const Property* const msb = draft.Find(Element::msb);
-    const Property* const order = draft.Find(Element::endianess);
-    if (!lsb || !msb) return;
-    const bool isBig = order && order->number == GENAPI_NAMESPACE::BigEndian;
-    if (isBig ? lsb->number >= msb->number : msb->number >= lsb->number) return;
-    Note([&] {
-      return "Elements LSB and MSB of node " + draft.Label() + " are exchanged for its byte order";
-    });
-  }
-
-  static void RequireOneOf(const Draft& draft, std::initializer_list<Element> elements) {
+  static void RequireOneOf(const NodeDraft& draft, std::initializer_list<Element> elements) {
     for (const Element element : elements)
       if (draft.Has(element)) return;
     throw RUNTIME_EXCEPTION("Node %s has no element %s", draft.Label().c_str(), XmlName(*elements.begin()));
@@ -736,12 +501,9 @@ class Builder {
 
   XmlReader reader_;
   Description* const description_;
-  Draft draft_;
+  ToleranceNotes notes_;
+  NodeDraft draft_;
   NameId lastName_ = 0;
-  // Line of the first value or name with white space around it; 0 when there was none.
-  std::uint32_t firstBlanks_ = 0;
-  // The order of schema 1.0 differs and is not judged.
-  bool judgesOrder_ = false;
   // By node; of the nodes of earlier documents nothing is known.
   std::vector<std::int8_t> priorities_;
 };
