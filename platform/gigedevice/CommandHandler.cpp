@@ -447,6 +447,7 @@ std::uint16_t CommandHandler::WritePrivilege(std::uint32_t value, Peer sender) {
 void CommandHandler::ReleaseControl() {
   if (!controller_) return;
   controller_.reset();
+  lastWrite_.clear();  // the next controller may begin with the same command, from the same port
   registers_.Set(bootstrap::kControlPrivilege, 0);
   registers_.Set(bootstrap::kPrimaryPort, 0);
   registers_.Set(bootstrap::kPrimaryIp, 0);

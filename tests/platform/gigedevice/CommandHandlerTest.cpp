@@ -6,12 +6,15 @@
 #include <vector>
 
 #include "cameras/Catalog.h"
+#include "cameras/ManualClock.h"
+#include "cameras/registers/BigEndian.h"
 
 namespace zyn::gigedevice {
 namespace {
 
 namespace bootstrap = gige::bootstrap;
 namespace status = gige::status;
+using cameras::LoadBig;
 using gige::Bytes;
 using gige::Ipv4;
 
@@ -252,6 +255,73 @@ TEST_F(CommandHandlerTest, ARepeatedWriteIsAcknowledgedButNotRunAgain) {
   EXPECT_EQ(actions_.tests.size(), 1U);
   EXPECT_EQ(Send(gige::EncodeWriteRegister(901, reg::kStreamPacketSize, 0x80000000U | 1500U)).status, 0);
   EXPECT_EQ(actions_.tests.size(), 2U);
+}
+
+TEST_F(CommandHandlerTest, TheSameCommandAfterALossOfControlIsNoRepetition) {
+  const Bytes take = gige::EncodeWriteRegister(1, bootstrap::kControlPrivilege, gige::kControlAccess);
+  EXPECT_EQ(Send(take).status, status::kSuccess);
+  EXPECT_EQ(handler_.CheckHeartbeat(10'000 * kMs), cameras::kForever);
+  EXPECT_EQ(Read(bootstrap::kControlPrivilege), 0U);
+  EXPECT_EQ(Send(take, kClient, 11'000 * kMs).status, status::kSuccess);
+  EXPECT_EQ(Read(bootstrap::kControlPrivilege), gige::kControlAccess);
+}
+
+TEST_F(CommandHandlerTest, OneCommandReadsAndWritesSeveralRegistersUpToTheFirstThatFails) {
+  TakeControl();
+  const auto words = [](Bytes command, std::initializer_list<std::uint32_t> values) {
+    command.resize(gige::kGvcpHeaderBytes);
+    for (const std::uint32_t value : values) {
+      for (int shift = 24; shift >= 0; shift -= 8)
+        command.push_back(static_cast<std::uint8_t>(value >> shift));
+    }
+    cameras::StoreBig(&command[4], command.size() - gige::kGvcpHeaderBytes, 2);
+    return command;
+  };
+  const Bytes write = gige::EncodeWriteRegister(700, 0, 0);
+  gige::Ack ack = Send(words(write, {reg::kStreamDestination, 0x7F000001, reg::kStreamPort, 5000}));
+  EXPECT_EQ(ack.status, status::kSuccess);
+  EXPECT_EQ(LoadBig(ack.payload.data(), 4), 2U);
+  ack = Send(words(write, {reg::kStreamPacketDelay, 77, reg::kVersion, 1, reg::kStreamPort, 6000}));
+  EXPECT_EQ(ack.status, status::kWriteProtect);
+  EXPECT_EQ(LoadBig(ack.payload.data(), 4), 1U) << "so many were written";
+
+  const Bytes read = gige::EncodeReadRegister(701, 0);
+  ack = Send(words(read, {reg::kStreamPort, reg::kStreamPacketDelay}));
+  ASSERT_EQ(ack.payload.size(), 8U);
+  EXPECT_EQ(LoadBig(ack.payload.data(), 8), 5000ULL << 32U | 77U);
+  EXPECT_EQ(Send(words(read, {reg::kVersion, 0x0800})).status, status::kInvalidAddress);
+  EXPECT_EQ(Send(words(write, {reg::kStreamPort})).status, status::kInvalidParameter);
+  EXPECT_EQ(Send(words(write, {})).status, status::kInvalidParameter);
+  EXPECT_EQ(Send(words(read, {})).status, status::kInvalidParameter);
+}
+
+TEST_F(CommandHandlerTest, TimeIsLatchedAndBeginsAnewOnDemand) {
+  constexpr std::uint32_t kLatch = 2;
+  constexpr std::uint32_t kReset = 1;
+  cameras::ManualClock clock;
+  CommandHandler device(*camera_, clock, actions_, Settings(), Ipv4{0xFF000000});
+  const auto write = [&](std::uint32_t address, std::uint32_t value) {
+    device.Handle(gige::EncodeWriteRegister(++request_, address, value), kClient, 0);
+  };
+  const auto latched = [&] {
+    const auto answer = device.Handle(gige::EncodeReadMemory(++request_, reg::kTimestampHigh, 8), kClient, 0);
+    return LoadBig(&answer->datagram[gige::kGvcpHeaderBytes + 4], 8);
+  };
+  write(bootstrap::kControlPrivilege, gige::kControlAccess);
+  constexpr std::int64_t kLongerThan32Bits = 7'000 * kMs;
+  clock.Advance(kLongerThan32Bits);
+  const std::int64_t nowNs = clock.NowNs();
+  EXPECT_EQ(latched(), 0U) << "nobody asked yet";
+  write(reg::kTimestampControl, kLatch);
+  EXPECT_EQ(latched(), static_cast<std::uint64_t>(nowNs));
+  clock.Advance(kMs);
+  EXPECT_EQ(latched(), static_cast<std::uint64_t>(nowNs)) << "it stands until it is latched again";
+  write(reg::kTimestampControl, kReset);
+  EXPECT_EQ(actions_.targets.back().timestampOriginNs, nowNs + kMs) << "frames count from here, too";
+  EXPECT_EQ(actions_.messages.back().timestampOriginNs, nowNs + kMs) << "and events";
+  clock.Advance(3 * kMs);
+  write(reg::kTimestampControl, kLatch);
+  EXPECT_EQ(latched(), static_cast<std::uint64_t>(3 * kMs));
 }
 
 TEST_F(CommandHandlerTest, ThePacketSizeIsRoundedAndItsTestBitReadsZero) {
