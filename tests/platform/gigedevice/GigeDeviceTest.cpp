@@ -260,6 +260,18 @@ TEST_F(GigeDeviceTest, SegmentsArriveAsThePacketsThatTheyAre) {
   EXPECT_EQ(DataBytes(block, 8), camera_->PayloadSize());
 }
 
+TEST_F(GigeDeviceTest, PacketsKeepTheGapThatTheClientAsksFor) {
+  Start(Settings(kDevice));
+  constexpr std::uint32_t kGapNs = 10'000'000;
+  Write(reg::kStreamPacketDelay, kGapNs);
+  const auto start = std::chrono::steady_clock::now();
+  Execute("AcquisitionStart");
+  const Received block = ReceiveBlock();
+  const auto elapsed = std::chrono::steady_clock::now() - start;
+  ASSERT_EQ(block.packets.size(), block.trailer + 1U);
+  EXPECT_GE(elapsed, std::chrono::nanoseconds(kGapNs) * block.trailer);
+}
+
 TEST_F(GigeDeviceTest, ATestPacketHasExactlyThePacketSize) {
   Start(Settings(kDevice));
   Write(reg::kStreamPacketSize, 0x80000000U | 4000U);
