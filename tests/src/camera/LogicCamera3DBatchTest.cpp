@@ -440,6 +440,17 @@ TEST_F(BatchGrab, StartingAgainReadsTheGeometryAnew) {
   ExpectPoints(0, 42, 0);
 }
 
+TEST_F(BatchGrab, StartingAgainWithoutA3DStopBeginsWithAnEmptyScan) {
+  ASSERT_EQ(Start(), ZYN_OK);
+  Deliver(1, 500, 20);
+  EXPECT_EQ(Grab(), ZYN_ERROR_GRAB_FAILED);
+  EXPECT_EQ(camera.StopGrab(), ZYN_OK);  // as in 2D: type and scan stay
+  ASSERT_EQ(Start(), ZYN_OK);
+  for (int i = 0; i < 3; ++i) Deliver(1, i * 20, 20);
+  EXPECT_EQ(Grab(), ZYN_OK);
+  ExpectPoints(0, 50, 0);
+}
+
 TEST_F(BatchGrab, ACameraWithoutItsOutlineLengthHasTwoThousandPoints) {
   OfferWithout("OutlineLengthMax");
   ASSERT_EQ(Start(), ZYN_OK);

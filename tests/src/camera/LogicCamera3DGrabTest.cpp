@@ -292,6 +292,29 @@ TEST_F(ProfileGrab, ASensorImageThatCannotBeMadeIsACode) {
   }
 }
 
+TEST_F(ProfileGrab, ASensorImageWithoutPixelsIsACode) {
+  Start(ZYN_3D_GRAB_PROFILE);
+  Bytes().swap(frame.Bytes());
+  device.Deliver(0, &frame);
+  EXPECT_EQ(Grab(), ZYN_ERROR_NO_SENSOR_IMAGE);
+  EXPECT_EQ(frame.Releases(), 1);
+  EXPECT_EQ(heights.Length(), 0);
+  EXPECT_TRUE(ImageIsUntouched());
+  EXPECT_TRUE(IntensityIsUntouched());
+}
+
+// As for images of 2D cameras, only zero is refused; what no memory holds is an exception.
+TEST_F(ProfileGrab, ASensorImageOfNegativeSizeIsAnException) {
+  Start(ZYN_3D_GRAB_PROFILE);
+  FakeImage backwards(4, -3, 1, 10);
+  backwards.chunks = {&chunk};
+  backwards.Bytes().assign(30, 1);
+  device.Deliver(0, &backwards);
+  EXPECT_EQ(Grab(), ZYN_ERROR_EXCEPTION);
+  EXPECT_EQ(backwards.Releases(), 1);
+  EXPECT_TRUE(ImageIsUntouched());
+}
+
 TEST_F(ProfileGrab, ASensorImageThatThrowsIsACode) {
   Start(ZYN_3D_GRAB_PROFILE);
   frame.throwsOnData = true;
