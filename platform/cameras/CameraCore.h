@@ -9,6 +9,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "cameras/CameraModel.h"
 #include "cameras/Clock.h"
@@ -30,6 +31,7 @@ class CameraCore {
 
   const Identity& GetIdentity() const { return identity_; }
   const std::string& Description() const { return description_; }
+  std::optional<FeaturePlace> Find(std::string_view feature) const { return features_.Find(feature); }
   const RegisterMap& Registers() const { return registers_; }
   const Pacer& GetPacer() const { return pacer_; }
   std::uint64_t ResetCount() const { return resets_; }

@@ -27,6 +27,12 @@ struct Identity {
   bool isLaser = false;  ///< a 3D laser-profile camera
 };
 
+/// Where a feature lies in the register space.
+struct FeaturePlace {
+  std::uint64_t address = 0;
+  std::size_t length = 0;  ///< bytes
+};
+
 enum class FrameWait {
   ready,      ///< a frame is due: TakeFrame or SkipFrame
   timedOut,   ///< no frame within the time
@@ -58,6 +64,10 @@ class CameraModel {
 
   /// The GenICam description, XML. Its registers lie behind the port "Device". Lives as long as the camera.
   virtual std::string_view Description() const = 0;
+
+  /// The register of the feature of this name; the first of them, where a selector selects several. Nothing when there
+  /// is no such feature, or none with a register.
+  virtual std::optional<FeaturePlace> Find(std::string_view feature) const = 0;
 
   /// Reads `bytes.size()` bytes, a multiple of 4. A range may span registers but no gap between them.
   virtual RegisterStatus ReadRegisters(std::uint64_t address, std::span<std::uint8_t> bytes) = 0;

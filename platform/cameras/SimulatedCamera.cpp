@@ -28,6 +28,11 @@ Identity SimulatedCamera::GetIdentity() const {
   return core_->GetIdentity();
 }
 
+std::optional<FeaturePlace> SimulatedCamera::Find(std::string_view feature) const {
+  const MutexLock lock(mutex_);
+  return core_->Find(feature);
+}
+
 RegisterStatus SimulatedCamera::ReadRegisters(std::uint64_t address, std::span<std::uint8_t> bytes) {
   const RegisterStatus fault = faults_.TakeAccess(address, bytes.size());
   if (fault != RegisterStatus::ok) return fault;

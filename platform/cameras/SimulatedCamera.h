@@ -19,6 +19,7 @@ class SimulatedCamera final : public CameraModel, private ClockListener {
 
   Identity GetIdentity() const override;
   std::string_view Description() const override { return description_; }
+  std::optional<FeaturePlace> Find(std::string_view feature) const override;
   RegisterStatus ReadRegisters(std::uint64_t address, std::span<std::uint8_t> bytes) override;
   RegisterStatus WriteRegisters(std::uint64_t address, std::span<const std::uint8_t> bytes) override;
   bool IsAcquiring() const override;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "cameras/FeatureAccess.h"
 #include "cameras/registers/BigEndian.h"
 #include "gigedevice/TransportDescription.h"
 
@@ -114,7 +115,6 @@ CommandHandler::CommandHandler(cameras::CameraModel& camera, cameras::Clock& clo
     : camera_(camera),
       clock_(clock),
       actions_(actions),
-      features_(camera),
       description_(WithTransportFeatures(camera.Description())),
       mac_(settings.mac),
       resets_(camera.ResetCount()) {
@@ -455,12 +455,12 @@ void CommandHandler::ReleaseControl() {
   PublishStream();
   registers_.Set(reg::kMessagePort, 0);
   PublishMessages();
-  features_.StopAcquisition();
+  cameras::StopAcquisition(camera_);
 }
 
 std::uint16_t CommandHandler::WriteUserName() {
   const std::string_view name = registers_.Text(reg::kUserName, reg::kUserNameBytes - 1);
-  return StatusOf(features_.SetUserName(name), status::kWriteProtect);
+  return StatusOf(cameras::WriteTextFeature(camera_, "DeviceUserID", name), status::kWriteProtect);
 }
 
 void CommandHandler::WritePacketSize(std::uint32_t value) {

@@ -12,7 +12,6 @@
 #include "gige/ForceIp.h"
 #include "gige/GvcpWire.h"
 #include "gigedevice/BootstrapRegisters.h"
-#include "gigedevice/CameraFeatures.h"
 #include "gigedevice/DeviceSettings.h"
 #include "gigedevice/MessageTarget.h"
 #include "gigedevice/Peer.h"
@@ -107,7 +106,6 @@ class CommandHandler {
   cameras::CameraModel& camera_;
   cameras::Clock& clock_;
   DeviceActions& actions_;
-  CameraFeatures features_;
   const std::string description_;
   const gige::MacAddress mac_;
 

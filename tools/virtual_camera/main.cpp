@@ -12,7 +12,7 @@
 
 #include "CameraList.h"
 #include "cameras/Catalog.h"
-#include "gigedevice/CameraFeatures.h"
+#include "cameras/FeatureAccess.h"
 #include "gigedevice/GigeDevice.h"
 
 namespace {
@@ -72,7 +72,8 @@ std::vector<CameraEntry> Cameras(CommandLine& line) {
 Running Start(const CameraEntry& entry) {
   Running running;
   running.camera = zyn::cameras::MakeCamera(entry.model, entry.serial);
-  if (!entry.userName.empty()) zyn::gigedevice::CameraFeatures(*running.camera).SetUserName(entry.userName);
+  if (!entry.userName.empty())
+    zyn::cameras::WriteTextFeature(*running.camera, "DeviceUserID", entry.userName);
   running.device = std::make_unique<GigeDevice>(*running.camera, zyn::cameras::SteadyClock(), entry.device);
   return running;
 }

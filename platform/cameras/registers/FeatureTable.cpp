@@ -321,4 +321,12 @@ void FeatureTable::BuildRegisters(RegisterMap& registers) {
   }
 }
 
+std::optional<FeaturePlace> FeatureTable::Find(std::string_view name) const {
+  const auto found = std::find_if(features_.begin(), features_.end(),
+                                  [name](const Feature& feature) { return feature.name_ == name; });
+  if (found == features_.end() || !HasRegister(found->kind_)) return std::nullopt;
+  const bool isText = found->kind_ == FeatureKind::text;
+  return FeaturePlace{found->address_, isText ? found->textLength_ : RegisterLength(found->kind_)};
+}
+
 }  // namespace zyn::cameras

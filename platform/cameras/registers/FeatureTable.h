@@ -6,9 +6,12 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "cameras/CameraModel.h"
 #include "cameras/registers/Feature.h"
 #include "cameras/registers/RegisterMap.h"
 
@@ -61,6 +64,9 @@ class FeatureTable {
 
   /// Gives every feature its addresses. The map's functions refer to this table.
   void BuildRegisters(RegisterMap& registers);
+
+  /// As CameraModel::Find; after BuildRegisters.
+  std::optional<FeaturePlace> Find(std::string_view name) const;
 
   /// The XML text; after BuildRegisters.
   std::string BuildDescription(const std::string& vendor, const std::string& model,

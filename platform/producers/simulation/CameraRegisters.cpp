@@ -1,13 +1,12 @@
 #include "CameraRegisters.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
-#include <pugixml.hpp>
 #include <span>
 #include <string_view>
 #include <vector>
 
+#include "cameras/FeatureAccess.h"
 #include "producer/Error.h"
 
 namespace zyn::simulation {
@@ -17,11 +16,6 @@ using cameras::RegisterStatus;
 using producer::Error;
 
 constexpr std::uint64_t kWord = 4;
-
-struct Place {
-  std::uint64_t address = 0;
-  std::size_t length = 0;
-};
 
 GenTL::GC_ERROR CodeOf(RegisterStatus status) {
   switch (status) {
@@ -42,12 +36,16 @@ GenTL::GC_ERROR CodeOf(RegisterStatus status) {
   return GenTL::GC_ERR_ERROR;
 }
 
+void Require(RegisterStatus status, const std::string& whatFails) {
+  if (status == RegisterStatus::ok) return;
+  throw Error(CodeOf(status), whatFails + ": " + Text(status) + ".");
+}
+
 void Require(RegisterStatus status, const char* what, std::uint64_t address) {
   if (status == RegisterStatus::ok) return;
   char digits[24];
   std::snprintf(digits, sizeof digits, "0x%llX", static_cast<unsigned long long>(address));
-  throw Error(CodeOf(status), std::string("The camera's register ") + digits + " cannot be " + what + ": " +
-                                  Text(status) + ".");
+  Require(status, std::string("The camera's register ") + digits + " cannot be " + what);
 }
 
 void ReadDescription(std::string_view text, std::uint64_t at, void* data, std::size_t size) {
@@ -56,25 +54,6 @@ void ReadDescription(std::string_view text, std::uint64_t at, void* data, std::s
     throw Error(GenTL::GC_ERR_INVALID_ADDRESS, "There is nothing behind the camera's description.");
   std::memset(data, 0, size);
   if (at < text.size()) std::memcpy(data, text.data() + at, std::min<std::uint64_t>(size, text.size() - at));
-}
-
-pugi::xml_node FindNode(const pugi::xml_document& description, const std::string& name) {
-  const auto isIt = [&name](const pugi::xml_node& node) { return name == node.attribute("Name").value(); };
-  return description.find_node(isIt);
-}
-
-Place FindRegister(cameras::CameraModel& camera, const std::string& feature) {
-  const std::string_view text = camera.Description();
-  pugi::xml_document description;
-  description.load_buffer(text.data(), text.size());
-  pugi::xml_node node = FindNode(description, feature);
-  if (const pugi::xml_node value = node.child("pValue")) node = FindNode(description, value.child_value());
-  Place place;
-  place.address = std::strtoull(node.child_value("Address"), nullptr, 0);
-  place.length = std::strtoull(node.child_value("Length"), nullptr, 0);
-  if (place.length == 0)
-    throw Error(GenTL::GC_ERR_NOT_AVAILABLE, "The camera has no feature " + feature + ".");
-  return place;
 }
 
 }  // namespace
@@ -102,20 +81,7 @@ void WriteBytes(cameras::CameraModel& camera, std::uint64_t address, const void*
 }
 
 void WriteText(cameras::CameraModel& camera, const std::string& feature, const std::string& text) {
-  const Place place = FindRegister(camera, feature);
-  if (text.size() > place.length)
-    throw Error(GenTL::GC_ERR_INVALID_VALUE,
-                feature + " takes " + std::to_string(place.length) + " bytes at most.");
-  std::vector<std::uint8_t> bytes(place.length);
-  std::copy(text.begin(), text.end(), bytes.begin());
-  WriteBytes(camera, place.address, bytes.data(), bytes.size());
-}
-
-void Execute(cameras::CameraModel& camera, const std::string& command) {
-  const Place place = FindRegister(camera, command);
-  std::vector<std::uint8_t> bytes(place.length);
-  bytes.back() = 1;
-  WriteBytes(camera, place.address, bytes.data(), bytes.size());
+  Require(cameras::WriteTextFeature(camera, feature, text), "The camera's " + feature + " cannot be written");
 }
 
 }  // namespace zyn::simulation

@@ -19,10 +19,8 @@ void ReadBytes(cameras::CameraModel& camera, std::uint64_t address, void* data, 
 /// Writes registers. Throws producer::Error.
 void WriteBytes(cameras::CameraModel& camera, std::uint64_t address, const void* data, std::size_t size);
 
-/// Writes a text feature, or executes a command, of which only the name is known: the description tells the
-/// register. Throws producer::Error; GC_ERR_NOT_AVAILABLE when the camera has no such feature.
+/// Writes a text feature of which only the name is known. Throws producer::Error.
 void WriteText(cameras::CameraModel& camera, const std::string& feature, const std::string& text);
-void Execute(cameras::CameraModel& camera, const std::string& command);
 
 }  // namespace zyn::simulation
 

@@ -2,6 +2,7 @@
 
 #include "CameraRegisters.h"
 #include "cameras/Catalog.h"
+#include "cameras/FeatureAccess.h"
 #include "producer/Error.h"
 
 namespace zyn::simulation {
@@ -102,11 +103,8 @@ void CameraSlot::SetPlugged(bool isPlugged) {
   isPlugged_ = isPlugged;
   if (!isPlugged) return Cut("The camera " + Serial() + " was unplugged.");
   // Without power it forgot everything but what it had saved.
-  try {
-    Execute(*camera_, "DeviceReset");
-  } catch (const Error&) {  // a register fault hits this access too
-    Rest();
-  }
+  const bool isReset = cameras::ExecuteCommand(*camera_, "DeviceReset") == cameras::RegisterStatus::ok;
+  if (!isReset) Rest();  // a register fault hits this access too
   resets_ = camera_->ResetCount();
 }
 
@@ -174,12 +172,9 @@ void CameraSlot::Disconnect(Connection& connection) {
   Rest();
 }
 
+// A register fault keeps it running; the next one to open the camera stops it.
 void CameraSlot::Rest() {
-  if (!camera_->IsAcquiring()) return;
-  try {
-    Execute(*camera_, "AcquisitionStop");
-  } catch (const Error&) {  // a register fault; the next one to open the camera stops it
-  }
+  cameras::StopAcquisition(*camera_);
 }
 
 void CameraSlot::CutWhenReset() {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cameras/FeatureAccess.h"
+
 namespace zyntest::usb3 {
 namespace {
 
@@ -47,8 +49,7 @@ Status StatusOf(RegisterStatus status) {
 
 }  // namespace
 
-Registers::Registers(zyn::cameras::CameraModel& camera)
-    : camera_(camera), features_(camera), bootstrap_(kBootstrapBytes) {
+Registers::Registers(zyn::cameras::CameraModel& camera) : camera_(camera), bootstrap_(kBootstrapBytes) {
   const zyn::cameras::Identity identity = camera.GetIdentity();
   const MutexLock lock(mutex_);
   SetNumber(kGenCpVersion, kVersion10, 4);
@@ -127,7 +128,8 @@ Status Registers::Write(std::uint64_t address, std::span<const std::uint8_t> byt
     std::copy(bytes.begin(), bytes.end(), bootstrap_.begin() + static_cast<std::ptrdiff_t>(address));
     name = reinterpret_cast<const char*>(bootstrap_.data() + kUserDefinedName);
   }
-  if (address == kUserDefinedName) return StatusOf(features_.SetUserName(name));
+  if (address == kUserDefinedName)
+    return StatusOf(zyn::cameras::WriteTextFeature(camera_, "DeviceUserID", name));
   return Status::success;
 }
 

@@ -9,7 +9,6 @@
 
 #include "ThreadAnnotations.h"
 #include "cameras/CameraModel.h"
-#include "gigedevice/CameraFeatures.h"
 #include "usb3vision/Wire.h"
 
 namespace zyntest::usb3 {
@@ -32,7 +31,6 @@ class Registers {
   void SetNumber(std::uint64_t address, std::uint64_t value, std::size_t bytes) ZYN_REQUIRES(mutex_);
 
   zyn::cameras::CameraModel& camera_;
-  zyn::gigedevice::CameraFeatures features_;
   mutable zyn::Mutex mutex_;
   Bytes bootstrap_ ZYN_GUARDED_BY(mutex_);
 };

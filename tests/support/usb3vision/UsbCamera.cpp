@@ -10,7 +10,7 @@
 #include <stdexcept>
 
 #include "cameras/Catalog.h"
-#include "gigedevice/CameraFeatures.h"
+#include "cameras/FeatureAccess.h"
 #include "usb3vision/Descriptors.h"
 #include "usb3vision/UsbDevice.h"
 
@@ -199,8 +199,7 @@ void UsbCamera::Plug() {
 
 void UsbCamera::Unplug() {
   plugged_.reset();
-  zyn::gigedevice::CameraFeatures(*camera_)
-      .StopAcquisition();  // it has power of its own, but nobody to send to
+  zyn::cameras::StopAcquisition(*camera_);  // it has power of its own, but nobody to send to
 }
 
 void UsbCamera::HoldByAnother() {
