@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -41,6 +42,18 @@ class Simulator {
 
   void Set(const char* name, const char* value) { GenApi::CValuePtr(Node(name))->FromString(value); }
   void Command(const char* name) { GenApi::CCommandPtr(Node(name))->Execute(); }
+  /// Of a camera that is not open.
+  void ForceAddress(const std::string& serial, std::int64_t address) {
+    Command("DeviceUpdateList");
+    const GenApi::CIntegerPtr selector(Node("DeviceSelector"));
+    for (std::int64_t i = 0; i <= selector->GetMax(); ++i) {
+      selector->SetValue(i);
+      if (serial == GenApi::CStringPtr(Node("DeviceSerialNumber"))->GetValue(false, true).c_str()) break;
+    }
+    GenApi::CIntegerPtr(Node("GevDeviceForceIPAddress"))->SetValue(address);
+    GenApi::CIntegerPtr(Node("GevDeviceForceSubnetMask"))->SetValue(0xFFFE0000);
+    Command("GevDeviceForceIP");
+  }
 
  private:
   GenApi::INode* Node(const char* name) {
@@ -65,6 +78,10 @@ class Laser : public testing::Test {
     ASSERT_EQ(Discovery3DCameras(&cameras), 0);
     ASSERT_EQ(Discovery3DCamera(serial, &camera), 0);
     ASSERT_EQ(camera.Open(), 0);
+  }
+  std::string Address() {
+    const std::unique_ptr<ZynCameraAttribute> attribute(camera.Attribute());
+    return attribute->CameraIp();
   }
   void SetInt(const char* name, int value) {
     ZynNode node;
@@ -380,4 +397,21 @@ TEST_F(Laser, StoppingEndsAScanThatAnotherThreadWaitsFor) {
               result == ZYN_ERROR_NOT_GRABBING)
       << result;
   EXPECT_EQ(range.Data(), nullptr);
+}
+
+// SetCameraAddress speaks to cameras on real adapters; a simulated one is on none of them.
+TEST_F(Laser, OnlyTheSimulatedAdapterGivesItsCamerasAddresses) {
+  const std::unique_ptr<ZynCameraAttribute> attribute(camera.Attribute());
+  const std::string address = attribute->CameraIp();
+  EXPECT_EQ(address.rfind("198.18.", 0), 0U) << address;
+  EXPECT_FALSE(attribute->SetCameraAddress("198.18.7.7", nullptr, nullptr, false));
+  Open("LASER-1");
+  EXPECT_EQ(Address(), address);
+  {
+    Simulator simulator;
+    camera.Close();
+    simulator.ForceAddress("LASER-1", 0xC6120707);
+    Open("LASER-1");
+    EXPECT_EQ(Address(), "198.18.7.7");
+  }
 }
