@@ -338,6 +338,21 @@ TEST(ZynColorArray, AppendingInOtherCasesDoesNothing) {
   EXPECT_EQ(Content(other), Counting(2));
 }
 
+TEST(ZynColorArray, OnlyTheHeightTellsWhetherAnArrayIsAppendedToOrReplaced) {
+  ZynColorArray tall;
+  tall.SetSize(0, 5, 3);
+  tall.Append(Grid(2, 1, 3));
+  EXPECT_EQ(ShapeOf(tall), (Shape{0, 5, 3}));
+  ZynColorArray row;
+  row.Create(0, 3);
+  row.Append(Grid(2, 2, 3));
+  row.Append(Grid(2, 1, 1));
+  EXPECT_EQ(ShapeOf(row), (Shape{0, 1, 3}));
+  row.Append(Grid(2, 1, 3));
+  EXPECT_EQ(ShapeOf(row), (Shape{2, 1, 3}));
+  EXPECT_EQ(Content(row), Counting(6));
+}
+
 TEST(ZynColorArray, AppendingARowToItselfDoublesIt) {
   ZynColorArray row = Grid(2, 1, 1);
   row.Append(row);

@@ -487,6 +487,7 @@ TEST(ZynRangeImage, ANegativeColumnReadsTheColorOfTheRowBefore) {
   EXPECT_EQ(range.GetColor(1, -2), ZynColor(11, 11, 11, 255));
   EXPECT_EQ(range.GetColor(0, -1), ZynColor());
   EXPECT_EQ(range.GetColor(-1, 1), ZynColor());
+  EXPECT_EQ(range.GetColor(2, -1), ZynColor());  // the row is tested, though the index would lie inside
   EXPECT_EQ(range.GetColor(INT_MIN, INT_MIN), ZynColor());
 }
 
