@@ -1,5 +1,6 @@
 #include <GenApi/GenApi.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 
 #include "Camera.h"
@@ -8,6 +9,7 @@
 #include "Interrupt.h"
 #include "JsonText.h"
 #include "OutputFile.h"
+#include "Patience.h"
 #include "Verbs.h"
 
 namespace zyncam {
@@ -66,13 +68,15 @@ void WriteProfile(const HeightMap& map, const ProfileOptions& options, Outcome& 
 void GrabLoop(Console& console, Camera& camera, const ProfileOptions& options, Outcome& outcome) {
   ZYNSDK::Zyn3DCamera& handle = camera.For3DGrab();
   const double lineLength = LineLength(camera);
+  using Clock = std::chrono::steady_clock;
+  Patience patience(std::chrono::milliseconds(options.timeoutMs), Clock::now());
   ZYNSDK::Zyn3DIntArray heights;
   ZYNSDK::ZynImage intensity;
   while (!IsInterrupted() && (options.count == 0 || outcome.delivered < options.count)) {
     const long status = handle.GrabContour(&heights, &intensity);
     if (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME) {
       ++outcome.incomplete;
-      continue;
+      if (patience.OutlastsIncomplete(Clock::now())) continue;
     }
     if (IsInterrupted()) break;
     if (status != 0) {
@@ -80,6 +84,7 @@ void GrabLoop(Console& console, Camera& camera, const ProfileOptions& options, O
     }
     if (heights.Length() == 0 || intensity.ImageData() == nullptr)
       throw Failure(kExitFailed, "the profile has no points", "check the camera's settings");
+    patience.SawGood(Clock::now());
     ++outcome.delivered;
     outcome.points = heights.Length();
     WriteProfile(MakeMap(heights, intensity, lineLength), options, outcome);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <nlohmann/json.hpp>
 
@@ -11,6 +12,7 @@
 #include "Interrupt.h"
 #include "JsonText.h"
 #include "OutputFile.h"
+#include "Patience.h"
 #include "ScanWatch.h"
 #include "Verbs.h"
 
@@ -68,14 +70,22 @@ class LineCounter {
 
   int Total() const { return total_; }
 
-  /// Nothing when camera or stream do not tell. Any thread.
-  std::optional<std::int64_t> Received() const {
-    if (frames_ == nullptr || total_ < 1 || linesPerFrame_ < 1) return std::nullopt;
+  /// All frames that came. Nothing when the stream does not tell. Any thread.
+  std::optional<std::int64_t> Frames() const {
+    if (frames_ == nullptr) return std::nullopt;
     try {
-      return std::min<std::int64_t>(total_, frames_->GetValue(false, true) * linesPerFrame_);
+      return frames_->GetValue(false, true);
     } catch (const GenICam_3_4::GenericException&) {  // the camera is lost, as the grab will tell
       return std::nullopt;
     }
+  }
+
+  /// Nothing when camera or stream do not tell. Any thread.
+  std::optional<std::int64_t> Lines() const {
+    if (total_ < 1 || linesPerFrame_ < 1) return std::nullopt;
+    const auto frames = Frames();
+    if (!frames) return std::nullopt;
+    return std::min<std::int64_t>(total_, *frames * linesPerFrame_);
   }
 
  private:
@@ -103,7 +113,7 @@ HeightMap MakeMap(const ZYNSDK::ZynRangeImage& range, const ZYNSDK::ZynImage& in
 // Shows the lines that come, and stops the stream on Ctrl-C: the wait for the scan then ends.
 ScanWatch::Callbacks WatchOver(ZYNSDK::Zyn3DCamera& camera, const LineCounter& counter, StepBar& bar) {
   ScanWatch::Callbacks callbacks;
-  callbacks.lines = [&counter] { return counter.Received(); };
+  callbacks.lines = [&counter] { return counter.Lines(); };
   callbacks.show = [&counter, &bar](std::int64_t lines) {
     bar.Show(static_cast<double>(lines) / counter.Total(),
              "scanning, " + std::to_string(lines) + " of " + std::to_string(counter.Total()) + " lines");
@@ -113,7 +123,22 @@ ScanWatch::Callbacks WatchOver(ZYNSDK::Zyn3DCamera& camera, const LineCounter& c
   return callbacks;
 }
 
-HeightMap Grab(ZYNSDK::Zyn3DCamera& camera, StepBar& bar) {
+// An incomplete frame does not end the scan: its lines are missing. Where frames are not counted nothing tells whether
+// others come as well.
+long WaitForScan(ZYNSDK::Zyn3DCamera& camera, const LineCounter& counter, Patience patience,
+                 ZYNSDK::ZynRangeImage& range, ZYNSDK::ZynImage& intensity) {
+  for (;;) {
+    const long status = camera.GrabBatchData(&range, &intensity);
+    if (status != ZYNSDK::ZYN_ERROR_INVALID_FRAME || IsInterrupted()) return status;
+    const auto now = std::chrono::steady_clock::now();
+    const bool goesOn = patience.OutlastsIncomplete(now);
+    const auto frames = counter.Frames();
+    if (frames && !goesOn) return status;
+    if (frames) patience.SawFrames(*frames, now);
+  }
+}
+
+HeightMap Grab(ZYNSDK::Zyn3DCamera& camera, const ScanOptions& options, StepBar& bar) {
   ZYNSDK::ZynRangeImage range;
   ZYNSDK::ZynImage intensity;
   const LineCounter counter(camera);
@@ -121,9 +146,8 @@ HeightMap Grab(ZYNSDK::Zyn3DCamera& camera, StepBar& bar) {
   if (status != 0) throw Failure::OfStatus("cannot start the stream", status);
   {
     const ScanWatch watch(WatchOver(camera, counter, bar));
-    do {
-      status = camera.GrabBatchData(&range, &intensity);
-    } while (status == ZYNSDK::ZYN_ERROR_INVALID_FRAME && !IsInterrupted());
+    const Patience patience(std::chrono::milliseconds(options.timeoutMs), std::chrono::steady_clock::now());
+    status = WaitForScan(camera, counter, patience, range, intensity);
   }
   camera.StopGrab();
   if (status != 0 && !IsInterrupted()) throw Failure::OfStatus("the scan failed", status);
@@ -159,7 +183,7 @@ bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& 
   if (status != 0) throw Failure::OfStatus("cannot set the number of lines", status);
   StepBar bar(console);
   bar.Next("scanning");
-  const HeightMap map = Grab(handle, bar);
+  const HeightMap map = Grab(handle, options, bar);
   std::vector<std::string> files;
   for (const Product& product : kProducts) {
     if (IsInterrupted()) break;
