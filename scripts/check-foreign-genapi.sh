@@ -13,8 +13,8 @@ shift 4
 rm -rf "$work"
 mkdir -p "$work/runtime"
 cp -r "$source/include/GenApi" "$work/runtime/include"
-# The one extension that other runtimes lack.
-rm "$work/runtime/include/GenApi/ILoadNotes.h"
+# The extensions that other runtimes lack.
+rm "$work/runtime/include/GenApi/ICacheSwitch.h" "$work/runtime/include/GenApi/ILoadNotes.h"
 cp -L "$library" "$work/runtime/libGenApi.so"
 
 cmake -S "$source" -B "$work/build" -G Ninja "$@" \

@@ -114,6 +114,19 @@ void NodeMap::ForgetEverything() const {
     if (node) node->Forget(true);
 }
 
+void NodeMap::SetCachingEnabled(bool IsEnabled) {
+  const AutoLock lock(lock_);
+  remembersRegisters_ = IsEnabled;
+  ForgetEverything();
+  for (const auto& node : nodes_)
+    if (node) node->ForgetCachingModes();
+}
+
+bool NodeMap::IsCachingEnabled() const {
+  const AutoLock lock(lock_);
+  return remembersRegisters_;
+}
+
 void NodeMap::InvalidateNodes() const {
   std::vector<CNodeCallback*> callbacks;
   {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "GenApi/GenApi.h"
+#include "GenApi/ICacheSwitch.h"
 #include "GenApi/ILoadNotes.h"
 #include "description/Description.h"
 #include "map/CallbackRunner.h"
@@ -29,7 +30,8 @@ class NodeMap final : public INodeMap,
                       public IDeviceInfo,
                       public IDestroy,
                       public IUserData,
-                      public ILoadNotes {
+                      public ILoadNotes,
+                      public ICacheSwitch {
  public:
   /// `lock` is borrowed when given, else the map has its own.
   NodeMap(std::shared_ptr<const Description> description, std::string deviceName, CLock* lock);
@@ -68,8 +70,11 @@ class NodeMap final : public INodeMap,
   UserData_t GetUserData() const override;
   UserData_t SetUserData(UserData_t pUserData) override;
   void GetLoadNotes(gcstring_vector& Notes) const override;
+  void SetCachingEnabled(bool IsEnabled) override;
+  bool IsCachingEnabled() const override;
 
   const Description& Facts() const { return *description_; }
+  bool RemembersRegisters() const { return remembersRegisters_; }
   const std::string& DeviceName() const { return deviceName_; }
   Node& At(NodeId id) const;
   /// Null when the node was never asked for: then it has no state either.
@@ -155,6 +160,7 @@ class NodeMap final : public INodeMap,
   std::vector<NodeId>* joined_ = nullptr;
   mutable ECallbackSuppressMode suppress_ = csmOff;
   std::vector<int64_t> pollingElapsed_;
+  bool remembersRegisters_ = true;
   UserData_t userData_ = nullptr;
 
  public:

@@ -225,7 +225,15 @@ ECachingMode Node::CachingMode() {
   return *cachingMode_;
 }
 
+void Node::ForgetCachingModes() {
+  cachingMode_.reset();
+  accessCacheable_.reset();
+  limitsCacheable_.reset();
+}
+
 ECachingMode Node::ComputeCachingMode() {
+  // Everything that comes from the device comes from a register, and what is computed follows those.
+  if (!map_.RemembersRegisters() && Find(Element::pPort)) return NoCache;
   ECachingMode mode = static_cast<ECachingMode>(Number(Element::cachable, WriteThrough));
   for (const Property& property : Properties()) {
     if (!IsReadingLink(property.element) || IsCondition(property.element) || IsLimit(property.element))

@@ -92,6 +92,8 @@ class Node : public INode, public ISelector, public IUserData {
   bool IsAccessCacheable();
   /// Whether limits may be remembered: nothing that they come from has to be read every time.
   bool AreLimitsCacheable();
+  /// Forgets what may be remembered, when that is no longer what the description says.
+  void ForgetCachingModes();
   /// Ends a registration and destroys the callback, at once or as soon as it is no longer running.
   void DeregisterAndDestroy(CallbackHandleType handle);
   /// Throws what the error registers say.

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "../MemoryPort.h"
+#include "GenApi/ICacheSwitch.h"
 
 namespace {
 
@@ -357,6 +360,56 @@ TEST(Cache, LimitsAreRememberedUntilWhatTheyComeFromChanges) {
     camera.port.bytes[0x14] = static_cast<unsigned char>(limit);
     EXPECT_EQ(camera.Integer("OuterJ").GetMax(), limit) << "an uncached register is asked every time";
   }
+}
+
+// For devices that change what their description lets programs remember.
+TEST(Cache, SwitchedOffNothingOfTheDeviceIsRemembered) {
+  Camera camera(
+      Register("IntReg", "R", 0x10, 1) + Register("IntReg", "Lock", 0x11, 1) +
+      Register("IntReg", "Max", 0x12, 1) +
+      Register("MaskedIntReg", "Low", 0x13, 1, "<LSB>0</LSB><MSB>3</MSB>") +
+      Register("StringReg", "S", 0x14, 2) + Register("FloatReg", "F4", 0x18, 4) +
+      "<Integer Name=\"I\"><pIsLocked>Lock</pIsLocked><pValue>R</pValue><pMax>Max</pMax></Integer>"
+      "<Float Name=\"F\"><pValue>I</pValue></Float><Integer Name=\"Constant\"><Value>1</Value></Integer>"
+      "<SwissKnife Name=\"K\"><pVariable Name=\"A\">R</pVariable><Formula>A*2</Formula></SwissKnife>");
+  ICacheSwitch& cache = dynamic_cast<ICacheSwitch&>(*camera.map._Ptr);
+  const auto ask = [&] {
+    const auto text = [&](const char* name) { return camera.Text(name) + " "; };
+    return text("R") + text("I") + text("F") + text("K") + text("Low") + text("S") + text("F4") +
+           text("Constant") + std::to_string(camera.Float("F").GetMax()) + " " +
+           std::to_string(camera.Access("I"));
+  };
+  const auto change = [&](int by) {
+    camera.port.Set(0x10,
+                    {by, by % 2, 100 + by, 0x50 + by, 'a' + by, 0, 0, 0, 0, 0, by % 2 ? 0x80 : 0, 0x3F});
+  };
+  EXPECT_TRUE(cache.IsCachingEnabled());
+  change(2);
+  const std::string first = ask();
+  EXPECT_EQ(first, "2 2 2 4 2 c 0.5 1 102.000000 4");
+  change(3);
+  EXPECT_EQ(ask(), first) << "nobody told the map";
+  cache.SetCachingEnabled(false);
+  EXPECT_FALSE(cache.IsCachingEnabled());
+  EXPECT_EQ(ask(), "3 3 3 6 3 d 1 1 103.000000 3");
+  change(4);
+  EXPECT_EQ(ask(), "4 4 4 8 4 e 0.5 1 104.000000 4");
+  EXPECT_EQ(camera.Node("K").GetCachingMode(), NoCache);
+  EXPECT_EQ(camera.Node("Constant").GetCachingMode(), WriteThrough);
+  EXPECT_EQ(camera.Node("I").IsAccessModeCacheable(), No);
+  camera.Integer("R").SetValue(9);
+  EXPECT_EQ(camera.Integer("R").IsValueCacheValid(), false);
+  camera.port.bytes[0x13] = 0xA0;
+  camera.Integer("Low").SetValue(1);
+  EXPECT_EQ(camera.port.bytes[0x13], 0xA1) << "the other bits as they are now";
+  cache.SetCachingEnabled(true);
+  change(5);
+  const std::string last = ask();
+  EXPECT_EQ(last, "5 5 5 10 5 f 1 1 105.000000 3");
+  const int reads = camera.port.reads;
+  EXPECT_EQ(ask(), last);
+  EXPECT_EQ(camera.port.reads, reads);
+  EXPECT_EQ(camera.Node("I").IsAccessModeCacheable(), Yes);
 }
 
 }  // namespace
