@@ -4,6 +4,7 @@
 #include <ZynCamera.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
 #include <optional>
@@ -73,6 +74,13 @@ class Address : public testing::Test {
       if (adapter.name == "near0") zyn::gige::ForceIp(adapter, kMac, {}, std::chrono::milliseconds{300});
     }
   }
+  bool WaitForFarAddress(const std::string& address) const {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!network_->HasFarAddress(address)) {
+      if (std::chrono::steady_clock::now() > deadline) return false;
+    }
+    return true;
+  }
 
   std::optional<SecondNetwork> network_;
   std::optional<ChildProcess> camera_;
@@ -109,7 +117,7 @@ TEST_F(Address, APersistentAddressIsStoredInTheCamera) {
 
   ASSERT_EQ(SetCameraIP("A2", "192.168.77.60", "255.255.255.0", "0.0.0.0", false), GEV_IP_OK);
   Restart();
-  EXPECT_TRUE(network_->HasFarAddress("192.168.77.50")) << "it starts with what is stored";
+  EXPECT_TRUE(WaitForFarAddress("192.168.77.50")) << "it starts with what is stored";
   EXPECT_FALSE(network_->HasFarAddress("192.168.77.60"));
   EXPECT_STREQ(AttributeOf("A2")->CameraIp(), "192.168.77.50");
   EXPECT_STREQ(AttributeOf("A2")->CameraGateway(), "192.168.77.254");
