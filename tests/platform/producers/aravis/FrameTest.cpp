@@ -10,6 +10,7 @@
 #include <atomic>
 #include <cstring>
 #include <numeric>
+#include <optional>
 #include <set>
 #include <thread>
 
@@ -296,6 +297,22 @@ TEST_F(FrameTest, AFrameInProgressWhenStoppedIsDeliveredIncomplete) {
   ASSERT_TRUE(delivery);
   EXPECT_TRUE(delivery->info.incomplete);
   EXPECT_EQ(sink_.Taken(), 0U);
+}
+
+TEST_F(FrameTest, ACameraThatCannotWriteMemoryGetsTheBytesAsRegisters) {
+  constexpr std::uint32_t kAddress = 0x30000;
+  Start(kImageBytes, kImageBytes);
+  for (std::uint32_t at = 0; at < 12; at += 4) camera_->Control().SetRegister(kAddress + at, 0xAAAAAAAA);
+  camera_->Control().SetScript([](gige::ByteView command) -> std::optional<std::vector<Bytes>> {
+    if (test::CommandOf(command) != gige::command::kWriteMemory) return std::nullopt;
+    return std::vector<Bytes>{test::MakeAck(command, gige::status::kNotImplemented, {})};
+  });
+  const Bytes bytes = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+  device_->Write(kAddress, bytes.data(), bytes.size());
+  EXPECT_EQ(camera_->Control().Register(kAddress), 0x01020304U);
+  EXPECT_EQ(camera_->Control().Register(kAddress + 4), 0x05060708U);
+  EXPECT_EQ(camera_->Control().Register(kAddress + 8), 0x09AAAAAAU) << "the bytes behind stay";
+  EXPECT_FALSE(camera_->Control().Commands(gige::command::kWriteMemory).empty()) << "it was tried";
 }
 
 }  // namespace
