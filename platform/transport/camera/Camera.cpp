@@ -1,5 +1,6 @@
 #include "Camera.h"
 
+#include <chrono>
 #include <new>
 #include <utility>
 
@@ -8,6 +9,8 @@
 namespace zyn::transport {
 
 namespace {
+
+constexpr std::chrono::seconds kOpeningLimit{3};  // an Open under way keeps a Close no longer
 
 // No exception leaves the library: what goes wrong inside becomes a result.
 template <class Work>
@@ -74,10 +77,20 @@ int Camera::Open(int accessMode) {
     return opened;
   });
   lock.Lock();
+  const bool isAbandoned = std::exchange(isAbandoned_, false);
+  if (isAbandoned && device) {
+    lock.Unlock();
+    Guarded([&] {
+      Device::Close(std::move(device));
+      return KELGENICAM::RESULT_OK;
+    });
+    device = nullptr;
+    lock.Lock();
+  }
   phase_ = device ? Phase::kOpen : Phase::kClosed;
   if (device) Publish(device);
   opened_.notify_all();
-  return result;
+  return isAbandoned ? static_cast<int>(KELGENICAM::RESULT_ABORTED) : result;
 }
 
 int Camera::Close() {
@@ -87,7 +100,13 @@ int Camera::Close() {
 
 int Camera::End() {
   MutexLock lock(mutex_);
-  while (phase_ == Phase::kOpening) lock.Wait(opened_);
+  const auto deadline = std::chrono::steady_clock::now() + kOpeningLimit;
+  while (phase_ == Phase::kOpening) {
+    if (!isAbandoned_ && lock.WaitUntil(opened_, deadline)) continue;
+    if (phase_ != Phase::kOpening) break;
+    isAbandoned_ = true;
+    return KELGENICAM::RESULT_OK;
+  }
   phase_ = Phase::kClosed;
   std::shared_ptr<Device> device = std::exchange(device_, nullptr);
   for (Holder& holder : holders_) holder.Set(nullptr);

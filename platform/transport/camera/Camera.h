@@ -84,6 +84,7 @@ class Camera final : public KELGENICAM::ICamera {
   Mutex mutex_;  // never held during a producer's call
   std::condition_variable opened_;
   Phase phase_ ZYN_GUARDED_BY(mutex_) = Phase::kClosed;
+  bool isAbandoned_ ZYN_GUARDED_BY(mutex_) = false;  // whoever opens has to close again: nobody waits for it
   std::shared_ptr<Device> device_ ZYN_GUARDED_BY(mutex_);
   // The maps of the current or latest session. Kept after it, so that a thread that still works with a node
   // meets an exception instead of freed memory.

@@ -96,6 +96,7 @@ GenTL::GC_ERROR Device::TryOpen(int accessMode, GenTL::DEV_HANDLE& device) const
 }
 
 int Device::Explain(GenTL::GC_ERROR error) const {
+  if (error == GenTL::GC_ERR_SUCCESS) return KELGENICAM::RESULT_ERROR;  // without a handle
   if (error != GenTL::GC_ERR_ACCESS_DENIED) return ToOpenResult(error);
   const auto status = GetInteger([&](auto* type, void* buffer, std::size_t* size) {
     return producer_->IFGetDeviceInfo(interface_->Handle().get(), camera_.key.deviceId.c_str(),
@@ -129,7 +130,8 @@ int Device::OpenHandle(int accessMode) {
 int Device::LoadModules() {
   GenTL::PORT_HANDLE remote = nullptr;
   const GenTL::GC_ERROR error = producer_->DevGetPort(handle_.get(), &remote);
-  if (error != GenTL::GC_ERR_SUCCESS || !remote) return ToOpenResult(error);
+  if (error != GenTL::GC_ERR_SUCCESS) return ToOpenResult(error);
+  if (!remote) return KELGENICAM::RESULT_ERROR;
   systemMap_ = system_->NodeMap();
   interfaceMap_ = interface_->NodeMap();
   localMap_ = ModuleNodeMap::Load(producer_, handle_, handle_.get(), nullptr);

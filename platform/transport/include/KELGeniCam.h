@@ -204,9 +204,9 @@ class ICamera {
  public:
   virtual ~ICamera() {}
   /// Opens the device. accessMode: an ACCESS_MODE. Returns a RESULT. Blocks while the device is asked and its
-  /// descriptions are loaded.
+  /// descriptions are loaded; after a Close that could not wait for it, RESULT_ABORTED, and nothing is open.
   virtual int Open(int accessMode) = 0;
-  /// Stops what runs and closes the device. Returns a RESULT; RESULT_OK also when it was closed.
+  /// Stops what runs and closes the device, in 3 s. Returns a RESULT; RESULT_OK also when it was closed.
   virtual int Close() = 0;
   virtual bool IsOpen() = 0;
   virtual bool IsOnline() = 0;  ///< open, and the device was not lost
@@ -240,7 +240,7 @@ class ICamera {
 KELGENICAM_API int Init();
 
 /// Takes back one Init; the last one closes the producers. Cameras still open keep what they need until they
-/// are released.
+/// are released. A producer that hangs is not waited for longer than five seconds.
 KELGENICAM_API int UnInit();
 
 /// Searches every interface. filter: null or "" for all cameras; otherwise only those whose camera ID, serial

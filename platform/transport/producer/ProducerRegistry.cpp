@@ -4,11 +4,25 @@
 #include <thread>
 #include <utility>
 
+#include "Background.h"
+
 namespace zyn::transport {
 
 namespace {
 
 constexpr std::chrono::seconds kStartLimit{10};
+constexpr std::chrono::seconds kCloseLimit{5};  // for all producers together
+
+// Lets go of the producers, each on a thread of its own: one that hangs while it closes is given up, and goes on
+// closing in the background.
+void CloseAll(std::vector<std::shared_ptr<System>> systems) {
+  std::vector<Background> closings;
+  for (std::shared_ptr<System>& system : systems) {
+    closings.push_back(Background::Run([last = std::move(system)]() mutable { last = nullptr; }));
+  }
+  const auto deadline = std::chrono::steady_clock::now() + kCloseLimit;
+  for (const Background& closing : closings) closing.WaitUntil(deadline);
+}
 
 // What one producer's start leads to; shared with the thread that starts it, which may come back late.
 struct StartTask {
@@ -50,12 +64,13 @@ int ProducerRegistry::Init() {
 }
 
 int ProducerRegistry::UnInit() {
-  std::vector<std::shared_ptr<System>> closing;  // closed after the lock is given back
+  std::vector<std::shared_ptr<System>> closing;
   MutexLock lock(mutex_);
   while (isLoading_) lock.Wait(loaded_);
   if (users_ == 0) return KELGENICAM::RESULT_NOT_INITIALIZED;
   if (--users_ == 0) closing.swap(current_.systems);
   lock.Unlock();
+  CloseAll(std::move(closing));
   return KELGENICAM::RESULT_OK;
 }
 

@@ -18,7 +18,7 @@
 namespace zyn::transport {
 
 /// Thread-safe. Producers start on threads of their own: one that hangs is given up after ten seconds and
-/// the others are used.
+/// the others are used. They end so too: after five seconds UnInit waits no longer.
 class ProducerRegistry {
  public:
   static ProducerRegistry& Instance();

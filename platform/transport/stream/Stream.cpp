@@ -72,7 +72,11 @@ std::unique_ptr<Stream> Stream::Open(Context context, int& result) {
   if (!id) return nullptr;
   GenTL::DS_HANDLE raw = nullptr;
   const GenTL::GC_ERROR error = producer.DevOpenDataStream(context.device.get(), id->c_str(), &raw);
-  if (error != GenTL::GC_ERR_SUCCESS || !raw) {
+  if (error == GenTL::GC_ERR_SUCCESS && !raw) {
+    result = KELGENICAM::RESULT_ERROR;
+    return nullptr;
+  }
+  if (error != GenTL::GC_ERR_SUCCESS) {
     result = error == GenTL::GC_ERR_NOT_IMPLEMENTED ? result : ToResult(error);
     return nullptr;
   }
