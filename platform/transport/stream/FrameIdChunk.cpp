@@ -1,5 +1,6 @@
 #include "FrameIdChunk.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <exception>
 #include <set>
@@ -34,19 +35,16 @@ GenApi_3_4::IChunkPort* FindChunkPort(GenApi_3_4::INodeMap& camera, GenApi_3_4::
   return nullptr;
 }
 
-// Follows a feature through the nodes it reads to the first register that lies in a chunk. Conditions are read too,
-// so registers of the camera itself may come before it.
+// Follows a feature through the integers that pass a value on, to the register that holds it.
 GenApi_3_4::INode* FindChunkRegister(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode* node,
                                      std::set<GenApi_3_4::INode*>& seen) {
   const bool isNew = seen.insert(node).second;
   if (!node || !isNew) return nullptr;
   if (dynamic_cast<GenApi_3_4::IRegister*>(node)) return FindChunkPort(camera, *node) ? node : nullptr;
-  GenApi_3_4::NodeList_t children;
-  node->GetChildren(children, GenApi_3_4::ctReadingChildren);
-  for (GenApi_3_4::INode* child : children) {
-    if (GenApi_3_4::INode* found = FindChunkRegister(camera, child, seen)) return found;
-  }
-  return nullptr;
+  const bool isComputed = !Property(*node, "FormulaFrom").empty() || !Property(*node, "Formula").empty();
+  const std::string next = Property(*node, "pValue");
+  if (isComputed || next.empty()) return nullptr;
+  return FindChunkRegister(camera, camera.GetNode(next.c_str()), seen);
 }
 
 // The sum of the constants in a property that holds one or more of them, separated by tabs. A register of a chunk
@@ -62,20 +60,54 @@ std::optional<std::size_t> SumOf(const std::string& numbers) {
   return numbers.empty() ? std::nullopt : std::optional<std::size_t>(sum);
 }
 
-std::optional<std::size_t> IndirectAddress(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode& registerNode) {
-  const std::string name = Property(registerNode, "pAddress");
-  if (name.empty()) return 0;
-  auto* node = dynamic_cast<GenApi_3_4::IInteger*>(camera.GetNode(name.c_str()));
-  if (!node) return std::nullopt;
-  return static_cast<std::size_t>(node->GetValue());
+// The sum of the nodes that a property names, separated by tabs; 0 without the property.
+std::optional<std::size_t> SumOfNodes(GenApi_3_4::INodeMap& camera, const std::string& names) {
+  std::size_t sum = 0;
+  for (std::size_t at = 0; at < names.size();) {
+    const std::size_t end = std::min(names.find('\t', at), names.size());
+    auto* node = dynamic_cast<GenApi_3_4::IInteger*>(camera.GetNode(names.substr(at, end - at).c_str()));
+    if (!node) return std::nullopt;
+    sum += static_cast<std::size_t>(node->GetValue());
+    at = end + 1;
+  }
+  return sum;
 }
 
-// Registers that lie elsewhere for each selector value, or take up parts of bytes only, are not read.
-bool IsPlain(GenApi_3_4::INode& registerNode) {
-  for (const char* property : {"pIndex", "LSB", "MSB", "Bit", "IntSwissKnife"}) {
-    if (!Property(registerNode, property).empty()) return false;
-  }
-  return true;
+std::optional<std::size_t> LengthOf(GenApi_3_4::INodeMap& camera, GenApi_3_4::INode& registerNode) {
+  const std::string node = Property(registerNode, "pLength");
+  const auto length = node.empty() ? SumOf(Property(registerNode, "Length")) : SumOfNodes(camera, node);
+  return length && *length >= 1 && *length <= 8 ? length : std::nullopt;
+}
+
+// Registers that lie elsewhere for each selector value are not read.
+bool HasOnePlace(GenApi_3_4::INode& registerNode) {
+  return Property(registerNode, "pIndex").empty() && Property(registerNode, "IntSwissKnife").empty();
+}
+
+// Bit numbers count from the least significant bit in little-endian registers, from the most significant one in
+// big-endian registers. Nothing when they lie outside the register.
+std::optional<BitField> FieldOf(GenApi_3_4::INode& registerNode, std::size_t length, ByteOrder order) {
+  const std::string bit = Property(registerNode, "Bit");
+  const auto lsb = SumOf(bit.empty() ? Property(registerNode, "LSB") : bit);
+  const auto msb = SumOf(bit.empty() ? Property(registerNode, "MSB") : bit);
+  const auto bits = static_cast<unsigned>(8 * length);
+  BitField field{0, bits, Property(registerNode, "Sign") == "Signed"};
+  if (!lsb && !msb) return field;
+  const std::size_t first = lsb ? *lsb : *msb;
+  const std::size_t last = msb ? *msb : *lsb;
+  const std::size_t low = std::min(first, last);
+  const std::size_t high = std::max(first, last);
+  if (high >= bits) return std::nullopt;
+  field.shift = static_cast<unsigned>(order == ByteOrder::kBig ? bits - 1 - high : low);
+  field.width = static_cast<unsigned>(high - low + 1);
+  return field;
+}
+
+std::int64_t Extract(std::uint64_t number, const BitField& field) {
+  const std::uint64_t mask = field.width >= 64 ? ~std::uint64_t{0} : (std::uint64_t{1} << field.width) - 1;
+  const std::uint64_t value = (number >> field.shift) & mask;
+  const bool isNegative = field.isSigned && (value & ~(mask >> 1U)) != 0;
+  return static_cast<std::int64_t>(isNegative ? value | ~mask : value);
 }
 
 std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portOrder) {
@@ -86,15 +118,16 @@ std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portO
   if (!port) return std::nullopt;
   const std::string idText = port->GetChunkID().c_str();
   const auto constants = SumOf(Property(*node, "Address"));
-  const auto indirect = IndirectAddress(camera, *node);
-  const auto length = SumOf(Property(*node, "Length"));
-  if (idText.empty() || !IsPlain(*node) || !indirect || !length || *length < 1 || *length > 8)
-    return std::nullopt;
+  const auto indirect = SumOfNodes(camera, Property(*node, "pAddress"));
+  const auto length = LengthOf(camera, *node);
+  if (idText.empty() || !HasOnePlace(*node) || !indirect || !length) return std::nullopt;
   const std::string order = Property(*node, "Endianess");
   if (order == "BigEndian") portOrder = ByteOrder::kBig;
   if (order == "LittleEndian") portOrder = ByteOrder::kLittle;
+  const auto field = FieldOf(*node, *length, portOrder);
+  if (!field) return std::nullopt;
   return FrameIdChunk(std::strtoull(idText.c_str(), nullptr, 16), constants.value_or(0) + *indirect, *length,
-                      portOrder);
+                      portOrder, *field);
 }
 
 }  // namespace
@@ -120,7 +153,7 @@ std::optional<std::int64_t> FrameIdChunk::Read(const unsigned char* data,
     for (std::size_t i = 0; i < length_; ++i) {
       value = (value << 8U) | from[order_ == ByteOrder::kBig ? i : length_ - 1 - i];
     }
-    return static_cast<std::int64_t>(value);
+    return Extract(value, field_);
   }
   return std::nullopt;
 }

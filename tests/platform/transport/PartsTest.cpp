@@ -2,14 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include <GenApi/NodeMapFactory.h>
+#include <GenICam.h>
 #include <KELGeniCam.h>
 
 #include "Result.h"
 #include "discovery/CameraDescription.h"
 #include "discovery/DeviceAddress.h"
+#include "mock/MockDescriptions.h"
 #include "module/ModuleDescription.h"
 #include "producer/GenTLInfo.h"
 #include "producer/SearchPath.h"
@@ -159,6 +163,34 @@ TEST(ChunkLayout, TheImageIsTakenOut) {
   EXPECT_EQ(chunks, (std::vector<ChunkRange>{{2, 108, 4}}));
 }
 
+void DestroyMap(GenApi_3_4::INodeMap* map) {
+  if (auto* destroyable = dynamic_cast<GenApi_3_4::IDestroy*>(map)) destroyable->Destroy();
+}
+
+// What is found in a camera's description made of these nodes.
+std::optional<FrameIdChunk> FindIn(const std::string& nodes) {
+  const std::string xml = mock::Describe(nodes +
+                                         "<Integer Name=\"Other\"><Value>1</Value></Integer>"
+                                         "<Port Name=\"FrameIdPort\"><ChunkID>F1</ChunkID></Port>");
+  GenApi_3_4::CNodeMapFactory factory(GenApi_3_4::ContentType_Xml, xml.data(), xml.size());
+  const std::unique_ptr<GenApi_3_4::INodeMap, void (*)(GenApi_3_4::INodeMap*)> map(factory.CreateNodeMap(),
+                                                                                   DestroyMap);
+  return FrameIdChunk::Find(map.get(), ByteOrder::kLittle);
+}
+
+// A register on the chunk's port, from "kind,address,length,byte order,sign,further elements".
+std::string ChunkRegister(const std::string& shape, const std::string& name) {
+  std::vector<std::string> words;
+  std::string rest = shape;
+  for (std::size_t comma = rest.find(','); comma != std::string::npos; comma = rest.find(',')) {
+    words.push_back(rest.substr(0, comma));
+    rest = rest.substr(comma + 1);
+  }
+  return "<" + words[0] + " Name=\"" + name + "\"><Address>" + words[1] + "</Address><Length>" + words[2] +
+         "</Length><AccessMode>RO</AccessMode><pPort>FrameIdPort</pPort>" + rest + "<Sign>" + words[4] +
+         "</Sign><Endianess>" + words[3] + "</Endianess></" + words[0] + ">";
+}
+
 TEST(FrameIdChunk, ReadsEitherByteOrderAtItsAddress) {
   const unsigned char data[] = {0, 0, 0x12, 0x34, 0x56, 0x78};
   const std::vector<ChunkRange> chunks{{7, 1, 5}};
@@ -167,6 +199,113 @@ TEST(FrameIdChunk, ReadsEitherByteOrderAtItsAddress) {
   EXPECT_EQ(FrameIdChunk(7, 1, 2, ByteOrder::kBig).Read(data, chunks), 0x1234);
   EXPECT_EQ(FrameIdChunk(7, 2, 4, ByteOrder::kBig).Read(data, chunks), std::nullopt);
   EXPECT_EQ(FrameIdChunk(8, 1, 4, ByteOrder::kBig).Read(data, chunks), std::nullopt);
+}
+
+TEST(FrameIdChunk, ReadsTheBitsOfItsField) {
+  const unsigned char data[] = {0x80, 0x12, 0x34, 0x56};
+  const std::vector<ChunkRange> chunks{{7, 0, 4}};
+  const auto read = [&](ByteOrder order, BitField field) {
+    return FrameIdChunk(7, 0, 4, order, field).Read(data, chunks).value_or(-999);
+  };
+  EXPECT_EQ(read(ByteOrder::kBig, {0, 8}), 0x56);
+  EXPECT_EQ(read(ByteOrder::kBig, {8, 16}), 0x1234);
+  EXPECT_EQ(read(ByteOrder::kBig, {31, 1}), 1);
+  EXPECT_EQ(read(ByteOrder::kBig, {31, 1, true}), -1);
+  EXPECT_EQ(read(ByteOrder::kBig, {0, 32, true}), -0x7FEDCBAA);
+  EXPECT_EQ(read(ByteOrder::kLittle, {0, 8}), 0x80);
+  EXPECT_EQ(read(ByteOrder::kLittle, {0, 8, true}), -128);
+  EXPECT_EQ(read(ByteOrder::kLittle, {0, 64, true}), 0x56341280);
+}
+
+struct RegisterCase {
+  const char* name;
+  const char* nodes;  // of the description; ChunkFrameID among them
+  std::optional<std::int64_t> value;
+};
+
+// Each row twice: as the feature itself, and behind two integers.
+TEST(FrameIdChunk, FindsItsRegisterInEveryShape) {
+  const unsigned char bytes[] = {0x80, 0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0};
+  const RegisterCase rows[] = {
+      {"one byte", "IntReg,0,1,BigEndian,Unsigned,", 0x80},
+      {"one signed byte", "IntReg,0,1,BigEndian,Signed,", -128},
+      {"two bytes", "IntReg,1,2,BigEndian,Unsigned,", 0x1234},
+      {"two bytes, little endian", "IntReg,1,2,LittleEndian,Unsigned,", 0x3412},
+      {"two signed bytes", "IntReg,0,2,BigEndian,Signed,", -0x7FEE},
+      {"three bytes", "IntReg,1,3,BigEndian,Unsigned,", 0x123456},
+      {"three signed bytes, little endian", "IntReg,5,3,LittleEndian,Signed,", -0x214366},
+      {"four bytes", "IntReg,0,4,BigEndian,Unsigned,", 0x80123456},
+      {"four signed bytes", "IntReg,0,4,BigEndian,Signed,", -0x7FEDCBAA},
+      {"eight bytes", "IntReg,1,8,BigEndian,Signed,", 0x123456789ABCDEF0},
+      {"eight bytes, little endian", "IntReg,0,8,LittleEndian,Unsigned,",
+       static_cast<std::int64_t>(0xDEBC9A7856341280)},
+      {"nine bytes", "IntReg,0,9,BigEndian,Unsigned,", std::nullopt},
+      {"masked, big endian", "MaskedIntReg,0,4,BigEndian,Unsigned,<LSB>31</LSB><MSB>24</MSB>", 0x56},
+      {"masked, upper half", "MaskedIntReg,0,4,BigEndian,Unsigned,<LSB>15</LSB><MSB>0</MSB>", 0x8012},
+      {"masked and signed", "MaskedIntReg,0,4,BigEndian,Signed,<LSB>15</LSB><MSB>0</MSB>", -0x7FEE},
+      {"masked, little endian", "MaskedIntReg,0,4,LittleEndian,Unsigned,<LSB>8</LSB><MSB>23</MSB>", 0x3412},
+      {"masked, little endian, signed", "MaskedIntReg,0,4,LittleEndian,Signed,<LSB>0</LSB><MSB>7</MSB>",
+       -128},
+      {"ends exchanged", "MaskedIntReg,0,4,BigEndian,Unsigned,<LSB>24</LSB><MSB>31</MSB>", 0x56},
+      {"one bit, big endian", "MaskedIntReg,0,4,BigEndian,Unsigned,<Bit>0</Bit>", 1},
+      {"one bit, little endian", "MaskedIntReg,0,4,LittleEndian,Unsigned,<Bit>7</Bit>", 1},
+      {"one signed bit", "MaskedIntReg,0,4,BigEndian,Signed,<Bit>0</Bit>", -1},
+      {"a bit outside", "MaskedIntReg,0,4,BigEndian,Unsigned,<Bit>32</Bit>", std::nullopt},
+      {"all bits of eight bytes", "MaskedIntReg,1,8,BigEndian,Unsigned,<LSB>63</LSB><MSB>0</MSB>",
+       0x123456789ABCDEF0},
+  };
+  const std::vector<ChunkRange> chunks{{0xF1, 0, sizeof(bytes)}};
+  for (const RegisterCase& row : rows) {
+    const auto found = FindIn(ChunkRegister(row.nodes, "ChunkFrameID"));
+    const auto behind = FindIn(
+        "<Integer Name=\"ChunkFrameID\"><pIsAvailable>Other</pIsAvailable>"
+        "<pValue>Middle</pValue></Integer><Integer Name=\"Middle\"><pValue>Reg</pValue></Integer>" +
+        ChunkRegister(row.nodes, "Reg"));
+    const auto read = found ? found->Read(bytes, chunks) : std::nullopt;
+    EXPECT_EQ(read, row.value) << row.name;
+    EXPECT_EQ(behind ? behind->Read(bytes, chunks) : std::nullopt, row.value) << row.name;
+  }
+}
+
+TEST(FrameIdChunk, FindsTheEntryOfAStructureAndAddressesThatAreNodes) {
+  const unsigned char bytes[] = {0x80, 0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE};
+  const std::vector<ChunkRange> chunks{{0xF1, 0, sizeof(bytes)}};
+  const auto entry = FindIn(
+      "<StructReg Comment=\"all\"><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+      "<pPort>FrameIdPort</pPort><Endianess>BigEndian</Endianess><StructEntry Name=\"ChunkFrameID\">"
+      "<LSB>31</LSB><MSB>16</MSB></StructEntry></StructReg>");
+  ASSERT_TRUE(entry);
+  EXPECT_EQ(entry->Read(bytes, chunks), 0x3456);
+  const auto moved = FindIn(
+      "<IntReg Name=\"ChunkFrameID\"><Address>1</Address><pAddress>Two</pAddress><pAddress>Three</pAddress>"
+      "<pLength>Two</pLength><AccessMode>RO</AccessMode><pPort>FrameIdPort</pPort><Endianess>BigEndian</"
+      "Endianess>"
+      "</IntReg><Integer Name=\"Two\"><Value>2</Value></Integer><Integer "
+      "Name=\"Three\"><Value>3</Value></Integer>");
+  ASSERT_TRUE(moved);
+  EXPECT_EQ(moved->Read(bytes, chunks), 0xBCDE);
+}
+
+TEST(FrameIdChunk, LeavesWhatIsComputedOrSelectedToTheStreamsIdentifier) {
+  const std::string reg = ChunkRegister("IntReg,0,4,BigEndian,Unsigned,", "Reg");
+  const std::string rows[] = {
+      "<IntSwissKnife Name=\"ChunkFrameID\"><pVariable Name=\"R\">Reg</pVariable><Formula>R+1</Formula>"
+      "</IntSwissKnife>" +
+          reg,
+      "<IntConverter Name=\"ChunkFrameID\"><FormulaTo>FROM-1</FormulaTo><FormulaFrom>TO+1</FormulaFrom>"
+      "<pValue>Reg</pValue></IntConverter>" +
+          reg,
+      "<Integer Name=\"ChunkFrameID\"><pValue>Sum</pValue></Integer><IntSwissKnife Name=\"Sum\">"
+      "<pVariable Name=\"R\">Reg</pVariable><Formula>R*2</Formula></IntSwissKnife>" +
+          reg,
+      "<IntReg Name=\"ChunkFrameID\"><Address>0</Address><pIndex "
+      "Offset=\"4\">Other</pIndex><Length>4</Length>"
+      "<AccessMode>RO</AccessMode><pPort>FrameIdPort</pPort><Endianess>BigEndian</Endianess></IntReg>",
+      "<IntReg Name=\"ChunkFrameID\"><Address>0</Address><Length>4</Length><AccessMode>RO</AccessMode>"
+      "<pPort>Device</pPort><Endianess>BigEndian</Endianess></IntReg>",
+      "<Integer Name=\"ChunkFrameID\"><Value>7</Value></Integer>",
+  };
+  for (const std::string& row : rows) EXPECT_FALSE(FindIn(row)) << row;
 }
 
 // ---- pixel formats --------------------------------------------------------------------------------------
