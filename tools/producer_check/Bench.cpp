@@ -160,8 +160,8 @@ void Bench::FindDevice() {
 const std::string& Bench::InterfaceId() {
   FindDevice();
   if (found_) return found_->interfaceId;
-  Skip(wanted_.empty() ? "the producer shows no camera that can be opened"
-                       : "the producer shows no camera " + wanted_);
+  if (wanted_.empty()) Skip("the producer shows no camera that can be opened");
+  throw NotApplicable{"the producer shows no camera " + wanted_, true};
 }
 
 const std::string& Bench::DeviceId() {

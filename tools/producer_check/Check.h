@@ -27,6 +27,7 @@ struct CheckFailed {
 /// The rule says nothing about this producer or camera; the sentence says why.
 struct NotApplicable {
   std::string reason;
+  bool lacksCamera = false;  ///< the camera that was asked for is not there
 };
 
 [[noreturn]] void Fail(const std::string& sentence);

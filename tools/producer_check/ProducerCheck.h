@@ -16,7 +16,8 @@ struct CheckResult {
   std::string name;  ///< for example "event-kill"; stays the same between versions
   std::string what;  ///< the rule in a few words
   Outcome outcome = Outcome::kPassed;
-  std::string sentence;  ///< what went wrong, or why the check does not apply; "" when it passed
+  std::string sentence;      ///< what went wrong, or why the check does not apply; "" when it passed
+  bool lacksCamera = false;  ///< it does not apply because the camera of CheckOptions::device is not there
 };
 
 struct CheckName {

@@ -35,6 +35,7 @@ constexpr std::chrono::seconds kClosingLimit{5};  // for a producer to close aft
 constexpr char kPassedLetter = 'p';
 constexpr char kFailedLetter = 'f';
 constexpr char kSkippedLetter = 's';
+constexpr char kLackingLetter = 'l';  // skipped, because the camera is not there
 
 std::string OneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
@@ -59,7 +60,7 @@ std::string Run(const Check& check, Bench& bench) {
   } catch (const CheckFailed& failure) {
     return kFailedLetter + OneLine(failure.sentence);
   } catch (const NotApplicable& skipped) {
-    return kSkippedLetter + OneLine(skipped.reason);
+    return (skipped.lacksCamera ? kLackingLetter : kSkippedLetter) + OneLine(skipped.reason);
   } catch (const MissingFunction& missing) {
     return kSkippedLetter + std::string("the producer lacks ") + missing.name;
   } catch (const std::exception& error) {
@@ -178,13 +179,18 @@ std::vector<Check> Choose(const std::vector<std::string>& only) {
 }
 
 CheckResult Make(const Check& check, Outcome outcome, std::string sentence) {
-  return CheckResult{check.name, check.what, outcome, std::move(sentence)};
+  return CheckResult{check.name, check.what, outcome, std::move(sentence), false};
 }
 
 CheckResult FromMessage(const Check& check, const std::string& message) {
   const std::string sentence = message.substr(1);
   if (message.front() == kPassedLetter) return Make(check, Outcome::kPassed, sentence);
   if (message.front() == kSkippedLetter) return Make(check, Outcome::kNotApplicable, sentence);
+  if (message.front() == kLackingLetter) {
+    CheckResult result = Make(check, Outcome::kNotApplicable, sentence);
+    result.lacksCamera = true;
+    return result;
+  }
   return Make(check, Outcome::kFailed, sentence);
 }
 

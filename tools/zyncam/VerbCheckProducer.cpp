@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <vector>
@@ -76,10 +77,11 @@ std::vector<CheckResult> RunChecks(const std::string& file, const zyn::producerc
 
 }  // namespace
 
-bool CheckProducerFile(Console& console, const CommonOptions& common, const CheckProducerOptions& options) {
+ExitCode CheckProducerFile(Console& console, const CommonOptions& common,
+                           const CheckProducerOptions& options) {
   if (options.list) {
     ListChecks(console, common);
-    return true;
+    return kExitOk;
   }
   std::error_code error;
   const std::string file = std::filesystem::absolute(options.file, error).string();
@@ -103,7 +105,12 @@ bool CheckProducerFile(Console& console, const CommonOptions& common, const Chec
                  std::to_string(counts[Outcome::kFailed]) + " failed, " +
                  std::to_string(counts[Outcome::kNotApplicable]) + " not applicable");
   }
-  return counts[Outcome::kFailed] == 0;
+  const auto lacksCamera = [](const CheckResult& result) { return result.lacksCamera; };
+  if (std::any_of(results.begin(), results.end(), lacksCamera)) {
+    Console::Note("zyncam: the producer shows no camera \"" + common.camera + "\"");
+    return kExitNoCamera;
+  }
+  return counts[Outcome::kFailed] == 0 ? kExitOk : kExitFailed;
 }
 
 }  // namespace zyncam

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Console.h"
+#include "Failure.h"
 
 namespace zyncam {
 
@@ -87,8 +88,10 @@ void WatchCameras(Console& console, const CommonOptions& common);
 /// The same for the profiles of a 3D camera.
 bool GrabProfiles(Console& console, const CommonOptions& common, const ProfileOptions& options);
 
-/// Puts a GenTL producer through the rules that consumers rely on. Returns whether no check failed.
-bool CheckProducerFile(Console& console, const CommonOptions& common, const CheckProducerOptions& options);
+/// Puts a GenTL producer through the rules that consumers rely on. kExitFailed when one fails; kExitNoCamera
+/// when the camera that was asked for is not there.
+ExitCode CheckProducerFile(Console& console, const CommonOptions& common,
+                           const CheckProducerOptions& options);
 
 /// Grabs one scan of a 3D camera. Returns false when it was interrupted.
 bool GrabScan(Console& console, const CommonOptions& common, const ScanOptions& options);

@@ -252,7 +252,7 @@ void AddCheckProducer(CLI::App& app, CommandLine& line) {
   AddJson(verb, line);
   verb->callback([&line] {
     line.verb = [&line](Console& console) {
-      return CheckProducerFile(console, line.common, line.check) ? kExitOk : kExitFailed;
+      return static_cast<int>(CheckProducerFile(console, line.common, line.check));
     };
   });
 }

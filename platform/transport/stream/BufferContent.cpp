@@ -93,7 +93,8 @@ std::vector<ChunkRange> FindChunks(const ProducerLibrary& producer, GenTL::DS_HA
                                    std::optional<ByteOrder> order) {
   const bool isSilent = !facts.Get(GenTL::BUFFER_INFO_CONTAINS_CHUNKDATA);
   if (MayHoldChunks(facts) || isSilent) {
-    if (auto chunks = AskChunks(producer, stream, buffer, capacity)) return std::move(*chunks);
+    if (auto chunks = AskChunks(producer.DSGetBufferChunkData, stream, buffer, capacity))
+      return std::move(*chunks);
   }
   if (!MayHoldChunks(facts)) return {};
   return ParseChunkLayout(base, ValidBytes(facts, capacity), order);

@@ -41,18 +41,18 @@ std::vector<ChunkRange> ParseChunkLayout(const unsigned char* data, std::size_t 
   return chunks.empty() ? ParseOrdered(data, size, ByteOrder::kLittle) : chunks;
 }
 
-std::optional<std::vector<ChunkRange>> AskChunks(const ProducerLibrary& producer, GenTL::DS_HANDLE stream,
+std::optional<std::vector<ChunkRange>> AskChunks(GenTL::PDSGetBufferChunkData ask, GenTL::DS_HANDLE stream,
                                                  GenTL::BUFFER_HANDLE buffer, std::size_t capacity) {
-  if (!producer.DSGetBufferChunkData) return std::nullopt;
+  if (!ask) return std::nullopt;
   std::vector<GenTL::SINGLE_CHUNK_DATA> reported(32);
   std::size_t count = reported.size();
-  GenTL::GC_ERROR error = producer.DSGetBufferChunkData(stream, buffer, reported.data(), &count);
+  GenTL::GC_ERROR error = ask(stream, buffer, reported.data(), &count);
   if (error != GenTL::GC_ERR_SUCCESS || count > reported.size()) {
     count = 0;
-    error = producer.DSGetBufferChunkData(stream, buffer, nullptr, &count);
+    error = ask(stream, buffer, nullptr, &count);
     if (error != GenTL::GC_ERR_SUCCESS || count > kMostChunks) return std::nullopt;
     reported.resize(count);
-    if (count > 0) error = producer.DSGetBufferChunkData(stream, buffer, reported.data(), &count);
+    if (count > 0) error = ask(stream, buffer, reported.data(), &count);
     if (error != GenTL::GC_ERR_SUCCESS) return std::nullopt;
   }
   std::vector<ChunkRange> chunks;

@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "../producer/ProducerLibrary.h"
+#include <GenTL/GenTL.h>
 
 namespace zyn::transport {
 
@@ -33,7 +33,8 @@ std::vector<ChunkRange> ParseChunkLayout(const unsigned char* data, std::size_t 
 
 /// The chunks as the producer reports them, in memory order; those that leave the `capacity` bytes of the
 /// buffer are left out. Nothing when the producer cannot tell.
-std::optional<std::vector<ChunkRange>> AskChunks(const ProducerLibrary& producer, GenTL::DS_HANDLE stream,
+/// ask  the producer's function, null when it has none
+std::optional<std::vector<ChunkRange>> AskChunks(GenTL::PDSGetBufferChunkData ask, GenTL::DS_HANDLE stream,
                                                  GenTL::BUFFER_HANDLE buffer, std::size_t capacity);
 
 /// Takes out the chunk that is the image: the one that holds the byte at `imageOffset`.

@@ -59,6 +59,36 @@ TEST(CheckProducerVerb, ListsTheChecks) {
   EXPECT_GT(list.size(), 90U);
 }
 
+struct CameraCase {
+  const char* name;
+  const char* camera;
+  std::vector<std::string> checks;
+  const char* fault;
+  int exitCode;
+};
+
+TEST(CheckProducerVerb, ExitsWithThreeWhenTheCameraAskedForIsNotThere) {
+  const CameraCase rows[] = {
+      {"there, by serial number", "SIM0004", {"device-twice"}, "", 0},
+      {"not there", "NOWHERE", {"device-twice"}, "", 3},
+      {"not there, and a rule is broken", "NOWHERE", {"init-twice", "device-twice"}, "GCInitLib:-1004>0", 3},
+      {"nobody looks for it", "NOWHERE", {"init-twice"}, "", 0},
+  };
+  for (const CameraCase& row : rows) {
+    for (const bool asJson : {false, true}) {
+      std::vector<std::string> arguments{ZYN_FAULTY_PRODUCER, "-c", row.camera};
+      if (asJson) arguments.emplace_back("--json");
+      arguments.emplace_back("--only");
+      arguments.insert(arguments.end(), row.checks.begin(), row.checks.end());
+      const Finished result = RunVerb(arguments, row.fault);
+      EXPECT_EQ(result.exitCode, row.exitCode) << row.name;
+      const bool says = result.err.find("no camera \"NOWHERE\"") != std::string::npos;
+      EXPECT_EQ(says, row.exitCode == 3) << row.name << result.err;
+      EXPECT_EQ(json::accept(result.out), asJson) << row.name;
+    }
+  }
+}
+
 TEST(CheckProducerVerb, RefusesAFileThatIsNotThereAndAnUnknownCheck) {
   EXPECT_EQ(RunVerb({"/no/such/file.cti"}).exitCode, 2);
   EXPECT_EQ(RunVerb({}).exitCode, 2);
