@@ -5,11 +5,13 @@
 #include <utility>
 
 #include "../module/Features.h"
+#include "../producer/Background.h"
 
 namespace zyn::transport {
 
 namespace {
 
+constexpr std::chrono::seconds kEndLimit{3};
 constexpr std::chrono::seconds kOpeningLimit{3};  // an Open under way keeps a Close no longer
 
 // No exception leaves the library: what goes wrong inside becomes a result.
@@ -181,9 +183,22 @@ int Camera::RegisterNotify(KELGENICAM::NOTIFY_SRC source, KELGENICAM::NOTIFY_TYP
   return isKnown ? KELGENICAM::RESULT_OK : KELGENICAM::RESULT_INVALID_ARGUMENT;
 }
 
+// The maps of system and interface may be the last that keeps their producer in use after UnInit.
+void Camera::LetGoOfMaps() {
+  MutexLock lock(mutex_);
+  auto maps = std::exchange(maps_, {});
+  lock.Unlock();
+  Guarded([&] {
+    const Background ending = Background::Run([last = std::move(maps)]() mutable { last = {}; });
+    ending.WaitUntil(std::chrono::steady_clock::now() + kEndLimit);
+    return KELGENICAM::RESULT_OK;
+  });
+}
+
 void Camera::Release() {
   End();
   notifier_->End();
+  LetGoOfMaps();
   LeaveCall();
 }
 

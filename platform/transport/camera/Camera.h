@@ -74,6 +74,7 @@ class Camera final : public KELGENICAM::ICamera {
   std::shared_ptr<Device> CurrentDevice() ZYN_EXCLUDES(mutex_);
   void Publish(const std::shared_ptr<Device>& device) ZYN_REQUIRES(mutex_);
   int End();
+  void LetGoOfMaps() ZYN_EXCLUDES(mutex_);
 
   const CameraInfo& info_;
   const std::shared_ptr<Notifier> notifier_ = std::make_shared<Notifier>();

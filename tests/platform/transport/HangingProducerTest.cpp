@@ -221,5 +221,15 @@ TEST_P(HangingEnd, KeepsUnInitForSecondsOnlyAndOtherProducersServeOn) {
   ExpectServes(mock_, Find("bad"));
 }
 
+TEST_F(HangingEnd, KeepsNoReleaseOfAClosedCameraThatWasItsLastUser) {
+  CameraPtr camera = OpenOne(mock_);
+  ASSERT_EQ(camera->Close(), RESULT_OK);
+  ASSERT_EQ(UnInit(), RESULT_OK);
+  mock_.SetHook("TLClose", gate_.HangOnce());
+  camera.reset();
+  gate_.AwaitHanging();
+  gate_.Open();
+}
+
 }  // namespace
 }  // namespace zyn::transport_test
