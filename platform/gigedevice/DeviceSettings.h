@@ -18,8 +18,8 @@ enum class SendMethod {
 };
 
 struct DeviceSettings {
-  gige::Ipv4 ip;          ///< one of this computer's addresses; all of 127.0.0.0/8 are
-  gige::MacAddress mac;   ///< unique among the devices
+  gige::Ipv4 ip;         ///< one of this computer's addresses; all of 127.0.0.0/8 are
+  gige::MacAddress mac;  ///< unique among the devices
   /// FORCEIP replaces `ip` on its adapter instead of looking for the new address on this computer. For a network
   /// namespace of its own: the adapter's other users lose the address.
   bool configuresAdapter = false;
