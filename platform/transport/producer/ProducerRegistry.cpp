@@ -17,6 +17,7 @@ constexpr std::chrono::seconds kCloseLimit{5};  // for all producers together
 // closing in the background.
 void CloseAll(std::vector<std::shared_ptr<System>> systems) {
   std::vector<Background> closings;
+  closings.reserve(systems.size());
   for (std::shared_ptr<System>& system : systems) {
     closings.push_back(Background::Run([last = std::move(system)]() mutable { last = nullptr; }));
   }
