@@ -90,6 +90,12 @@ const std::vector<std::string>& MandatoryFeatures(const std::string& module) {
   return none;
 }
 
+void ExpectReadable(const NodeMap& map, const std::string& feature, const std::string& module) {
+  std::string reason;
+  if (map.Read(feature, reason)) return;
+  Fail("the feature " + feature + " of " + module + " cannot be read: " + reason);
+}
+
 void Features(Bench& bench) {
   const bool hasStream = HasStream(bench);
   for (const Module& module : Modules(bench)) {
@@ -100,9 +106,7 @@ void Features(Bench& bench) {
       if (isForStreams && !hasStream) continue;
       if (!map.Has(name)) Fail(module.name + " lacks the mandatory feature " + name);
       const bool isCommand = name.find("UpdateList") != std::string::npos;
-      std::string reason;
-      const bool isReadable = isCommand || map.Read(name, reason).has_value();
-      if (!isReadable) Fail("the feature " + name + " of " + module.name + " cannot be read: " + reason);
+      if (!isCommand) ExpectReadable(map, name, module.name);
     }
   }
 }
