@@ -321,25 +321,25 @@ void GrabEngine::HandleFailure(GenTL::GC_ERROR error) {
   }
 }
 
-// Copies a frame out of memory that the producer allocated. False when there is no memory for it, and at the end.
-bool GrabEngine::Copy(std::size_t slot) {
+// Copies a frame out of memory that the producer allocated. Null when there is no memory for it, and at the end.
+std::shared_ptr<FrameMemory> GrabEngine::Copy(std::size_t slot) {
   MutexLock lock(mutex_);
-  if (isEnding_ || slot >= slots_.size()) return false;
+  if (isEnding_ || slot >= slots_.size()) return nullptr;
   const Theirs theirs = slots_[slot].theirs;
-  std::shared_ptr<FrameMemory> memory = std::move(slots_[slot].memory);
+  std::shared_ptr<FrameMemory> memory = slots_[slot].memory;
   lock.Unlock();
   if (!memory) memory = setup_.pool->Take(theirs.size, 1);
-  if (!memory) return false;
+  if (!memory) return nullptr;
   lock.Lock();
-  if (isEnding_) return false;
+  if (isEnding_) return nullptr;
   ++copies_;
   lock.Unlock();
   std::memcpy(memory->Data(), theirs.data, theirs.size);
   lock.Lock();
-  slots_[slot].memory = std::move(memory);
+  slots_[slot].memory = memory;
   --copies_;
   calm_.notify_all();
-  return true;
+  return memory;
 }
 
 FrameLayout GrabEngine::Inspect(GenTL::BUFFER_HANDLE buffer, const unsigned char* announced,
@@ -368,15 +368,12 @@ void GrabEngine::Deliver(std::size_t slot) {
   if (isEnding_ || slot >= slots_.size()) return;
   const GenTL::BUFFER_HANDLE handle = slots_[slot].handle;
   const unsigned char* const theirs = slots_[slot].theirs.data;
+  std::shared_ptr<FrameMemory> memory = slots_[slot].memory;
   lock.Unlock();
-  const bool isThere = !theirs || Copy(slot);
-  lock.Lock();
-  if (isEnding_ || slot >= slots_.size()) return;
-  const std::shared_ptr<FrameMemory> memory = slots_[slot].memory;
-  lock.Unlock();
+  if (theirs) memory = Copy(slot);
   FrameLayout layout;
   layout.result = KELGENICAM::RESULT_OUT_OF_MEMORY;
-  if (isThere) layout = Inspect(handle, theirs ? theirs : memory->Data(), *memory);
+  if (memory) layout = Inspect(handle, theirs ? theirs : memory->Data(), *memory);
   lock.Lock();
   if (isEnding_ || slot >= slots_.size()) return;
   const Delivery delivery{slot, layout.result};

@@ -141,7 +141,7 @@ class GrabEngine final : public FrameHome, public std::enable_shared_from_this<G
   std::optional<std::size_t> SlotOf(const GenTL::EVENT_NEW_BUFFER_DATA& data) const ZYN_REQUIRES(mutex_);
   std::optional<std::size_t> Arrived(const GenTL::EVENT_NEW_BUFFER_DATA& data) ZYN_EXCLUDES(mutex_);
   void HandleFailure(GenTL::GC_ERROR error) ZYN_EXCLUDES(mutex_);
-  bool Copy(std::size_t slot) ZYN_EXCLUDES(mutex_);
+  std::shared_ptr<FrameMemory> Copy(std::size_t slot) ZYN_EXCLUDES(mutex_);
   FrameLayout Inspect(GenTL::BUFFER_HANDLE buffer, const unsigned char* announced, const FrameMemory& memory);
   void Deliver(std::size_t slot) ZYN_EXCLUDES(mutex_);
   bool GiveToWaiter(const Delivery& delivery) ZYN_REQUIRES(mutex_);

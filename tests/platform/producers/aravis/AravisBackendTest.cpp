@@ -20,6 +20,7 @@ using producer::FrameInfo;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using std::chrono::steady_clock;
+using test::CodeOf;
 using test::ReadWord;
 using test::TestBuffer;
 using test::TestListener;
@@ -55,16 +56,6 @@ class AravisBackendTest : public testing::Test {
   std::unique_ptr<producer::Device> Open(producer::Access access = producer::Access::control) {
     listener_ = std::make_unique<TestListener>();
     return interface_->OpenDevice(Find("GV01"), access, *listener_);
-  }
-
-  template <class Call>
-  static GC_ERROR CodeOf(const Call& call) {
-    try {
-      call();
-      return GC_ERR_SUCCESS;
-    } catch (const producer::Error& error) {
-      return error.Code();
-    }
   }
 
   FakeGigeCamera camera_{1, FakeGigeCamera::Bare()};

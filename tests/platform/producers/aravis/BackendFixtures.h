@@ -137,6 +137,17 @@ class TestListener final : public producer::DeviceListener {
   std::future<std::string> future_ = lost_.get_future();
 };
 
+/// What the call is refused with.
+template <class Call>
+GenTL::GC_ERROR CodeOf(const Call& call) {
+  try {
+    call();
+    return GenTL::GC_ERR_SUCCESS;
+  } catch (const producer::Error& error) {
+    return error.Code();
+  }
+}
+
 inline std::uint32_t Word(const std::uint8_t* bytes) {
   return static_cast<std::uint32_t>(bytes[0]) << 24U | static_cast<std::uint32_t>(bytes[1]) << 16U |
          static_cast<std::uint32_t>(bytes[2]) << 8U | bytes[3];

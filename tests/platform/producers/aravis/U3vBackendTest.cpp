@@ -24,6 +24,7 @@ using namespace GenTL;
 using producer::FrameInfo;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
+using test::CodeOf;
 using test::ReadWord;
 using test::TestBuffer;
 using test::TestListener;
@@ -135,16 +136,6 @@ class U3vBackendTest : public testing::Test {
     Write(device, "Width", kColumns);
     Write(device, "Height", kRows);
     Write(device, "TestPattern", static_cast<std::uint64_t>(cameras::TestPattern::greyHorizontalRampMoving));
-  }
-
-  template <class Call>
-  static GC_ERROR CodeOf(const Call& call) {
-    try {
-      call();
-      return GC_ERR_SUCCESS;
-    } catch (const producer::Error& error) {
-      return error.Code();
-    }
   }
 
   UsbCamera camera_{"ZS-A640", "U3V01"};
