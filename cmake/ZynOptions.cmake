@@ -38,7 +38,8 @@ endif()
 target_link_libraries(zyn_options INTERFACE Threads::Threads)
 
 if(ZYN_SANITIZE)
-  add_compile_options(-fsanitize=${ZYN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  # Reports name lines; more debug information only costs time.
+  add_compile_options(-fsanitize=${ZYN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -g1)
   add_link_options(-fsanitize=${ZYN_SANITIZE})
 endif()
 # Lets libFuzzer see which code an input reaches.

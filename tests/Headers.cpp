@@ -1,0 +1,4 @@
+// A precompiled header belongs to a program.
+int main() {
+  return 0;
+}
