@@ -17,6 +17,7 @@ esac
 step() { printf '\n== %s (%d min)\n' "$1" $((SECONDS / 60)); }
 
 # build_and_test <preset> [ctest options]
+# Most tests wait for something, so that twice as many run as there are processors.
 build_and_test() {
   local preset=$1
   shift
@@ -24,7 +25,7 @@ build_and_test() {
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
   step "$preset: tests"
-  ctest --preset "$preset" -j "$(nproc)" --no-tests=error "$@"
+  ctest --preset "$preset" -j $((2 * $(nproc))) --no-tests=error "$@"
 }
 
 step "packages"
