@@ -37,14 +37,6 @@ std::shared_ptr<Interface> FindInterface(System& system, const std::string& id) 
   return Pick(system.Interfaces(std::chrono::steady_clock::now() + kFindLimit), id);
 }
 
-bool IsBigEndian(const ProducerLibrary& producer, GenTL::PORT_HANDLE port) {
-  if (!producer.GCGetPortInfo) return false;
-  return GetBool([&](auto* type, void* buffer, std::size_t* size) {
-           return producer.GCGetPortInfo(port, GenTL::PORT_INFO_BIG_ENDIAN, type, buffer, size);
-         })
-      .value_or(false);
-}
-
 // The last owner closes the device, which may take long: that must not be a thread of the application that
 // was just woken in Grab.
 void WaitForUsers(const std::shared_ptr<Device>& device) {
@@ -137,9 +129,8 @@ int Device::LoadModules() {
   localMap_ = ModuleNodeMap::Load(producer_, handle_, handle_.get(), nullptr);
   remoteMap_ = ModuleNodeMap::Load(producer_, handle_, remote, link_);
   if (link_->IsLost()) return KELGENICAM::RESULT_DEVICE_LOST;
-  stream_ = Stream::Open({producer_, handle_, link_, lent_.notifier, lent_.pool, remoteMap_, camera_.protocol,
-                          IsBigEndian(*producer_, remote)},
-                         streamResult_);
+  stream_ = Stream::Open(
+      {producer_, handle_, link_, lent_.notifier, lent_.pool, remoteMap_, camera_.protocol}, streamResult_);
   StartPumps();
   link_->OnLost([weak = weak_from_this()] {
     const std::shared_ptr<Device> self = weak.lock();

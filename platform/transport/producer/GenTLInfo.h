@@ -35,13 +35,6 @@ std::optional<std::uint64_t> GetInteger(Ask&& ask) {
   return DecodeInteger(type, bytes.data(), size);
 }
 
-template <class Ask>
-std::optional<bool> GetBool(Ask&& ask) {
-  const std::optional<std::uint64_t> value = GetInteger(ask);
-  if (!value) return std::nullopt;
-  return *value != 0;
-}
-
 /// The bytes of a command of any length. One call when they fit into a kilobyte, which is nearly always; else
 /// the size is asked first. The size may grow between the two calls, so this is tried a few times.
 template <class Ask>

@@ -110,7 +110,7 @@ std::int64_t Extract(std::uint64_t number, const BitField& field) {
   return static_cast<std::int64_t>(isNegative ? value | ~mask : value);
 }
 
-std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portOrder) {
+std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera) {
   std::set<GenApi_3_4::INode*> seen;
   GenApi_3_4::INode* node = FindChunkRegister(camera, camera.GetNode("ChunkFrameID"), seen);
   if (!node) return std::nullopt;
@@ -121,21 +121,21 @@ std::optional<FrameIdChunk> Locate(GenApi_3_4::INodeMap& camera, ByteOrder portO
   const auto indirect = SumOfNodes(camera, Property(*node, "pAddress"));
   const auto length = LengthOf(camera, *node);
   if (idText.empty() || !HasOnePlace(*node) || !indirect || !length) return std::nullopt;
-  const std::string order = Property(*node, "Endianess");
-  if (order == "BigEndian") portOrder = ByteOrder::kBig;
-  if (order == "LittleEndian") portOrder = ByteOrder::kLittle;
-  const auto field = FieldOf(*node, *length, portOrder);
+  // A register that names no order is little-endian, as where an application reads the feature itself.
+  const bool isBig = Property(*node, "Endianess") == "BigEndian";
+  const ByteOrder order = isBig ? ByteOrder::kBig : ByteOrder::kLittle;
+  const auto field = FieldOf(*node, *length, order);
   if (!field) return std::nullopt;
   return FrameIdChunk(std::strtoull(idText.c_str(), nullptr, 16), constants.value_or(0) + *indirect, *length,
-                      portOrder, *field);
+                      order, *field);
 }
 
 }  // namespace
 
-std::optional<FrameIdChunk> FrameIdChunk::Find(GenApi_3_4::INodeMap* camera, ByteOrder portOrder) {
+std::optional<FrameIdChunk> FrameIdChunk::Find(GenApi_3_4::INodeMap* camera) {
   if (!camera) return std::nullopt;
   try {
-    return Locate(*camera, portOrder);
+    return Locate(*camera);
   } catch (const GenICam_3_4::GenericException&) {
     return std::nullopt;  // a description that cannot tell where the value lies
   } catch (const std::exception&) {

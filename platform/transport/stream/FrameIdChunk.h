@@ -32,8 +32,7 @@ struct BitField {
 class FrameIdChunk {
  public:
   /// Nothing when the camera has no such feature, or one that is not read.
-  /// portOrder  the byte order of the camera's registers, where the feature does not tell its own
-  static std::optional<FrameIdChunk> Find(GenApi_3_4::INodeMap* camera, ByteOrder portOrder);
+  static std::optional<FrameIdChunk> Find(GenApi_3_4::INodeMap* camera);
 
   /// length  bytes of the register, 1 to 8
   FrameIdChunk(std::uint64_t chunkId, std::size_t address, std::size_t length, ByteOrder order,

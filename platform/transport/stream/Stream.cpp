@@ -156,8 +156,7 @@ GrabSetup Stream::MakeSetup(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) 
   }
   setup.settings = ReadSettings(Remote());
   setup.chunkOrder = ChunkOrder(context_.protocol);
-  setup.frameIdChunk =
-      FrameIdChunk::Find(Remote(), context_.isPortBigEndian ? ByteOrder::kBig : ByteOrder::kLittle);
+  setup.frameIdChunk = FrameIdChunk::Find(Remote());
   setup.stranded = stranded_;
   return setup;
 }

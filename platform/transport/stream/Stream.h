@@ -35,7 +35,6 @@ class Stream {
     std::shared_ptr<FramePool> pool;
     NodeMapPtr remote;  ///< the camera's own features
     unsigned int protocol = KELGENICAM::PROTOCOL_OTHER;
-    bool isPortBigEndian = false;
   };
 
   /// Opens the device's first data stream. Null when it has none that can be opened; then `result` says why.

@@ -175,10 +175,11 @@ std::optional<FrameIdChunk> FindIn(const std::string& nodes) {
   GenApi_3_4::CNodeMapFactory factory(GenApi_3_4::ContentType_Xml, xml.data(), xml.size());
   const std::unique_ptr<GenApi_3_4::INodeMap, void (*)(GenApi_3_4::INodeMap*)> map(factory.CreateNodeMap(),
                                                                                    DestroyMap);
-  return FrameIdChunk::Find(map.get(), ByteOrder::kLittle);
+  return FrameIdChunk::Find(map.get());
 }
 
-// A register on the chunk's port, from "kind,address,length,byte order,sign,further elements".
+// A register on the chunk's port, from "kind,address,length,byte order,sign,further elements". No byte order is
+// left out.
 std::string ChunkRegister(const std::string& shape, const std::string& name) {
   std::vector<std::string> words;
   std::string rest = shape;
@@ -186,9 +187,10 @@ std::string ChunkRegister(const std::string& shape, const std::string& name) {
     words.push_back(rest.substr(0, comma));
     rest = rest.substr(comma + 1);
   }
+  const std::string order = words[3].empty() ? "" : "<Endianess>" + words[3] + "</Endianess>";
   return "<" + words[0] + " Name=\"" + name + "\"><Address>" + words[1] + "</Address><Length>" + words[2] +
          "</Length><AccessMode>RO</AccessMode><pPort>FrameIdPort</pPort>" + rest + "<Sign>" + words[4] +
-         "</Sign><Endianess>" + words[3] + "</Endianess></" + words[0] + ">";
+         "</Sign>" + order + "</" + words[0] + ">";
 }
 
 TEST(FrameIdChunk, ReadsEitherByteOrderAtItsAddress) {
@@ -231,6 +233,7 @@ TEST(FrameIdChunk, FindsItsRegisterInEveryShape) {
       {"one signed byte", "IntReg,0,1,BigEndian,Signed,", -128},
       {"two bytes", "IntReg,1,2,BigEndian,Unsigned,", 0x1234},
       {"two bytes, little endian", "IntReg,1,2,LittleEndian,Unsigned,", 0x3412},
+      {"two bytes that name no byte order", "IntReg,1,2,,Unsigned,", 0x3412},
       {"two signed bytes", "IntReg,0,2,BigEndian,Signed,", -0x7FEE},
       {"three bytes", "IntReg,1,3,BigEndian,Unsigned,", 0x123456},
       {"three signed bytes, little endian", "IntReg,5,3,LittleEndian,Signed,", -0x214366},
