@@ -199,7 +199,9 @@ void Device::ShutDown() {
   interface_->Events().Remove(lent_.notifier);
   for (const auto& pump : pumps_) pump->BeginEnd();
   pumps_.clear();
-  if (stream_) stream_->StopGrabbing();
+  // Nobody waits for this thread, so it may wait for a producer that does not come back.
+  while (stream_ && stream_->StopGrabbing() == KELGENICAM::RESULT_TIMEOUT) {
+  }
   // The maps may be in the application's hands still; their ports let go of the handles here.
   if (remoteMap_) remoteMap_->Close();
   if (localMap_) localMap_->Close();

@@ -79,7 +79,7 @@ enum GRAB_STRATEGY : int {
 /// the others into one code.
 enum RESULT {
   RESULT_OK = 0,
-  RESULT_TIMEOUT = -1,       ///< no frame came in time: is the camera triggered, is the time-out long enough?
+  RESULT_TIMEOUT = -1,       ///< in time came no frame (is the camera triggered?), or no end of the stream
   RESULT_ABORTED = -2,       ///< StopGrabbing, Close or Release ended the wait
   RESULT_ERROR = -3,         ///< the producer reported an error without a cause
   RESULT_NOT_OPEN = -4,      ///< the camera is not open
@@ -210,9 +210,11 @@ class ICamera {
   virtual int Close() = 0;
   virtual bool IsOpen() = 0;
   virtual bool IsOnline() = 0;  ///< open, and the device was not lost
-  /// Starts the stream. frameCount: how many frames to deliver, -1 for no limit. Returns a RESULT.
+  /// Starts the stream. frameCount: how many frames to deliver, -1 for no limit. Returns a RESULT; RESULT_BUSY when it
+  /// runs already, or when a stop before has not come to its end in 5 s.
   virtual int StartGrabbing(GRAB_STRATEGY strategy, int frameCount) = 0;
-  /// Stops the stream and wakes a waiting Grab, which returns RESULT_ABORTED. Returns a RESULT.
+  /// Stops the stream and wakes a waiting Grab, which returns RESULT_ABORTED. Returns a RESULT. Blocks while the
+  /// producer stops, 5 s at most; then RESULT_TIMEOUT, and it goes on stopping.
   virtual int StopGrabbing() = 0;
   /// True from a successful StartGrabbing until StopGrabbing or Close, also after the last frame of a counted
   /// grab and after the device was lost, so that Grab can name the reason.

@@ -1,6 +1,8 @@
 #include "Stream.h"
 
 #include <bit>
+#include <chrono>
+#include <system_error>
 #include <utility>
 
 #include "../Result.h"
@@ -12,6 +14,9 @@
 namespace zyn::transport {
 
 namespace {
+
+// Longer than libaravis takes to give a silent camera up.
+constexpr std::chrono::seconds kStopLimit{5};
 
 std::optional<std::string> FirstStreamId(const ProducerLibrary& producer, GenTL::DEV_HANDLE device) {
   std::uint32_t count = 0;
@@ -183,7 +188,11 @@ int Stream::StartCamera(KELGENICAM::GRAB_STRATEGY strategy, int frameCount,
 int Stream::StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) {
   MutexLock lock(mutex_);
   if (context_.link->IsLost()) return KELGENICAM::RESULT_DEVICE_LOST;
-  while (phase_ == Phase::kStopping) lock.Wait(phaseChanged_);
+  while (phase_ == Phase::kStopping) {
+    lock.Unlock();
+    if (!AwaitStop()) return KELGENICAM::RESULT_BUSY;
+    lock.Lock();
+  }
   if (phase_ != Phase::kIdle) return KELGENICAM::RESULT_BUSY;
   phase_ = Phase::kStarting;
   lock.Unlock();
@@ -200,27 +209,54 @@ int Stream::StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) {
   return result;
 }
 
+// On a thread of its own, because the producer may not come back; nothing when there is none to be had, and then it is
+// done.
+std::optional<Background> Stream::BeginStop(const std::shared_ptr<GrabEngine>& engine) const {
+  const auto work = [context = context_, engine] { StopEverything(context, *engine); };
+  try {
+    return Background::Run(work);
+  } catch (const std::system_error&) {
+    work();
+    return std::nullopt;
+  }
+}
+
+// Waits for the end of a stop. False when the producer did not come back in time.
+bool Stream::AwaitStop() {
+  MutexLock lock(mutex_);
+  while (phase_ == Phase::kStopping && !stopping_) lock.Wait(phaseChanged_);
+  if (phase_ != Phase::kStopping) return true;
+  const Background stopping = *stopping_;
+  lock.Unlock();
+  const bool isStopped = stopping.WaitUntil(std::chrono::steady_clock::now() + kStopLimit);
+  lock.Lock();
+  // Others wait too, and may have started anew and be stopping again by now.
+  if (phase_ == Phase::kStopping && stopping_ && stopping_->WaitUntil({})) {
+    phase_ = Phase::kIdle;
+    phaseChanged_.notify_all();
+  }
+  return isStopped;
+}
+
 int Stream::StopGrabbing() {
   MutexLock lock(mutex_);
   while (phase_ == Phase::kStarting) lock.Wait(phaseChanged_);
-  if (phase_ == Phase::kStopping) {
-    while (phase_ == Phase::kStopping) lock.Wait(phaseChanged_);
-    return KELGENICAM::RESULT_OK;
-  }
   if (phase_ == Phase::kIdle) return KELGENICAM::RESULT_NOT_GRABBING;
-  phase_ = Phase::kStopping;
-  const std::shared_ptr<GrabEngine> engine = std::exchange(engine_, nullptr);
-  lock.Unlock();
-  engine->Abort();
-  if (context_.link->IsLost()) {
-    Background::Run([context = context_, engine] { StopEverything(context, *engine); });
-  } else {
-    StopEverything(context_, *engine);
+  if (phase_ == Phase::kGrabbing) {
+    phase_ = Phase::kStopping;
+    stopping_ = std::nullopt;
+    const std::shared_ptr<GrabEngine> engine = std::exchange(engine_, nullptr);
+    lock.Unlock();
+    engine->Abort();
+    const bool isLost = context_.link->IsLost();
+    const std::optional<Background> stopping = BeginStop(engine);
+    lock.Lock();
+    stopping_ = stopping;
+    if (isLost || !stopping) phase_ = Phase::kIdle;
+    phaseChanged_.notify_all();
   }
-  lock.Lock();
-  phase_ = Phase::kIdle;
-  phaseChanged_.notify_all();
-  return KELGENICAM::RESULT_OK;
+  lock.Unlock();
+  return AwaitStop() ? KELGENICAM::RESULT_OK : KELGENICAM::RESULT_TIMEOUT;
 }
 
 bool Stream::IsGrabbing() {

@@ -4,6 +4,7 @@
 
 #include <condition_variable>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "../camera/Notifier.h"
 #include "../module/DeviceLink.h"
 #include "../module/ModuleNodeMap.h"
+#include "../producer/Background.h"
 #include "../producer/EventPump.h"
 #include "FramePool.h"
 #include "GrabEngine.h"
@@ -45,7 +47,8 @@ class Stream {
 
   const NodeMapPtr& NodeMap() const { return nodeMap_; }
 
-  /// See ICamera. StopGrabbing on a lost device leaves the cleaning up to the background.
+  /// See ICamera. StopGrabbing on a lost device leaves the cleaning up to the background, and so it does when the
+  /// producer does not come back in time.
   int StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) ZYN_EXCLUDES(mutex_);
   int StopGrabbing() ZYN_EXCLUDES(mutex_);
   bool IsGrabbing() ZYN_EXCLUDES(mutex_);
@@ -63,6 +66,8 @@ class Stream {
   void StartPump(GenTL::EVENT_TYPE type, KELGENICAM::NOTIFY_TYPE as);
   GenApi_3_4::INodeMap* Remote() const;
   int StartCamera(KELGENICAM::GRAB_STRATEGY strategy, int frameCount, std::shared_ptr<GrabEngine>& engine);
+  std::optional<Background> BeginStop(const std::shared_ptr<GrabEngine>& engine) const;
+  bool AwaitStop() ZYN_EXCLUDES(mutex_);
   GrabSetup MakeSetup(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) const;
   std::size_t PayloadBytes() const;
   std::optional<std::uint64_t> Info(GenTL::STREAM_INFO_CMD command) const;
@@ -78,6 +83,7 @@ class Stream {
   std::condition_variable phaseChanged_;
   Phase phase_ ZYN_GUARDED_BY(mutex_) = Phase::kIdle;
   std::shared_ptr<GrabEngine> engine_ ZYN_GUARDED_BY(mutex_);  // set exactly while grabbing
+  std::optional<Background> stopping_ ZYN_GUARDED_BY(mutex_);  // set while stopping, as soon as it runs
 };
 
 }  // namespace zyn::transport

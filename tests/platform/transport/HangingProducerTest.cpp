@@ -170,6 +170,42 @@ TEST_F(HangingProducer, ARegisterAccessThatHangsStopsNeitherTheFramesNorTheEnd) 
   EXPECT_EQ(reading.get(), 0);
 }
 
+// ---- stopping -------------------------------------------------------------------------------------------
+
+using HangingStop = HangingProducer;
+
+INSTANTIATE_TEST_SUITE_P(Table, HangingStop,
+                         testing::Values("GCWritePort", "DSStopAcquisition", "DSFlushQueue",
+                                         "DSRevokeBuffer"),
+                         NameOf);
+
+TEST_P(HangingStop, KeepsNeitherStopNorTheNextStartForever) {
+  const CameraPtr camera = OpenOne(mock_);
+  ASSERT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);
+  mock_.SetHook(GetParam(), gate_.HangOnce());
+  auto stopping = std::async(std::launch::async, [&] { return camera->StopGrabbing(); });
+  gate_.AwaitHanging();
+  EXPECT_FALSE(camera->IsGrabbing());
+  EXPECT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_BUSY);
+  EXPECT_EQ(stopping.get(), RESULT_TIMEOUT);
+  gate_.Open();
+  EXPECT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);  // waits for the stop
+  ASSERT_TRUE(mock_.SendFrame(Frame(7)));
+  EXPECT_EQ(GrabOne(*camera)->FrameID(), 7);
+  EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+}
+
+TEST_F(HangingStop, MayBeFollowedByACloseAndTheNextOpenWaitsForIt) {
+  const CameraPtr camera = OpenOne(mock_);
+  ASSERT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_OK);
+  mock_.SetHook("DSStopAcquisition", gate_.HangOnce());
+  EXPECT_EQ(camera->StopGrabbing(), RESULT_TIMEOUT);
+  EXPECT_EQ(camera->Close(), RESULT_OK);
+  EXPECT_EQ(mock_.Calls("DSClose"), 0);  // not while the producer is in the stream
+  gate_.Open();
+  EXPECT_EQ(camera->Open(ACCESS_CONTROL), RESULT_OK);
+}
+
 // ---- closing --------------------------------------------------------------------------------------------
 
 using HangingClose = HangingProducer;
