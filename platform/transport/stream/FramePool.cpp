@@ -10,7 +10,9 @@ namespace zyn::transport {
 namespace {
 
 constexpr std::size_t kPageBytes = 4096;
-constexpr std::size_t kMostKept = 32;  // more than a stream ever announces without being told to
+// More than a stream ever announces without being told to: so many, or so many bytes.
+constexpr std::size_t kMostKept = 32;
+constexpr std::size_t kMostBytesKept = 2U << 20U;
 
 // Null when there is no memory.
 unsigned char* Allocate(std::size_t size, std::size_t alignment) {
@@ -57,7 +59,8 @@ FramePool::Owned FramePool::TakeKept(std::size_t size, std::size_t alignment) {
 
 void FramePool::Keep(Owned memory) {
   MutexLock lock(mutex_);
-  if (kept_.size() < kMostKept) kept_.push_back(std::move(memory));
+  const bool isFew = kept_.size() < kMostKept || kept_.size() * memory->Size() < kMostBytesKept;
+  if (isFew) kept_.push_back(std::move(memory));
 }
 
 }  // namespace zyn::transport

@@ -267,6 +267,31 @@ TEST_F(GrabTest, MemoryIsUsedAgainAfterARestart) {
   EXPECT_EQ(after, before);
 }
 
+struct BufferRow {
+  std::size_t bytes;
+  GRAB_STRATEGY strategy;
+  std::size_t buffers;
+};
+
+TEST_F(GrabTest, SmallFramesOfWhichNoneMayBeLostHaveMoreBuffers) {
+  const BufferRow rows[] = {
+      {64, GRAB_ONE_BY_ONE, 128},       {8192, GRAB_ONE_BY_ONE, 128},     {16384, GRAB_ONE_BY_ONE, 64},
+      {65536, GRAB_ONE_BY_ONE, 16},     {1U << 20U, GRAB_ONE_BY_ONE, 16}, {32U << 20U, GRAB_ONE_BY_ONE, 8},
+      {64U << 20U, GRAB_ONE_BY_ONE, 5}, {8192, GRAB_LATEST_ONLY, 16},     {8192, GRAB_LATEST, 16},
+      {8192, GRAB_UPCOMING_IMAGE, 16},
+  };
+  for (const BufferRow& row : rows) {
+    MockDevice device{"cam", "SN1"};
+    device.payloadBytes = row.bytes;
+    const CameraPtr camera = OpenOne(mock_, device);
+    EXPECT_EQ(camera->StartGrabbing(row.strategy, -1), RESULT_OK);
+    EXPECT_EQ(mock_.Announced(), row.buffers) << row.bytes << " bytes, strategy " << row.strategy;
+    EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
+    EXPECT_EQ(camera->Close(), RESULT_OK);
+    EXPECT_EQ(UnInit(), RESULT_OK);
+  }
+}
+
 // ---- payloads -------------------------------------------------------------------------------------------
 
 TEST_F(GrabTest, AnIncompleteFrameIsDeliveredAsNotValid) {
