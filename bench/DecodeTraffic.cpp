@@ -10,13 +10,9 @@ namespace {
 constexpr std::size_t kLine = 64;
 using Line = std::uint8_t __attribute__((vector_size(kLine)));
 
-Line Load(const std::uint8_t* from) {
+void CopyLine(const std::uint8_t* from, std::uint8_t* to) {
   Line line;
   std::memcpy(&line, from, kLine);
-  return line;
-}
-
-void Store(const Line& line, std::uint8_t* to) {
   std::memcpy(to, &line, kLine);
 }
 
@@ -26,9 +22,9 @@ void Move(const std::uint8_t* records, std::size_t bytes, void* heights, std::ui
   auto* to = static_cast<std::uint8_t*>(heights);
   for (std::size_t i = 0; i < bytes; i += kLines * kLine, to += kHeightLines * kLine, intensities += kLine) {
     for (std::size_t line = 0; line < kHeightLines; ++line) {
-      Store(Load(records + i + line * kLine), to + line * kLine);
+      CopyLine(records + i + line * kLine, to + line * kLine);
     }
-    Store(Load(records + i + (kLines - 2) * kLine), intensities);
+    CopyLine(records + i + (kLines - 2) * kLine, intensities);
     static_cast<void>(
         *static_cast<const volatile std::uint8_t*>(records + i + kLines * kLine - 1));  // read too
   }
