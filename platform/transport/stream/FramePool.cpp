@@ -9,7 +9,6 @@ namespace zyn::transport {
 
 namespace {
 
-constexpr std::size_t kPageBytes = 4096;
 // More than a stream ever announces without being told to: so many, or so many bytes.
 constexpr std::size_t kMostKept = 32;
 constexpr std::size_t kMostBytesKept = 2U << 20U;
@@ -28,7 +27,7 @@ FrameMemory::~FrameMemory() {
 }
 
 std::shared_ptr<FrameMemory> FramePool::Take(std::size_t size, std::size_t alignment) {
-  alignment = std::max(alignment, kPageBytes);
+  alignment = std::max(alignment, kLeastBytes);
   Owned memory = TakeKept(size, alignment);
   if (!memory) {
     unsigned char* data = Allocate(size, alignment);
@@ -59,7 +58,8 @@ FramePool::Owned FramePool::TakeKept(std::size_t size, std::size_t alignment) {
 
 void FramePool::Keep(Owned memory) {
   MutexLock lock(mutex_);
-  const bool isFew = kept_.size() < kMostKept || kept_.size() * memory->Size() < kMostBytesKept;
+  const std::size_t taken = std::max(memory->Size(), memory->Alignment());
+  const bool isFew = kept_.size() < kMostKept || kept_.size() * taken < kMostBytesKept;
   if (isFew) kept_.push_back(std::move(memory));
 }
 

@@ -34,6 +34,8 @@ class FrameMemory {
 /// Thread-safe. Always owned by a shared_ptr.
 class FramePool : public std::enable_shared_from_this<FramePool> {
  public:
+  static constexpr std::size_t kLeastBytes = 4096;  ///< what a piece takes at least: a page
+
   /// Memory of exactly `size` bytes, used before if possible. Null when there is none. alignment: a power of 2.
   std::shared_ptr<FrameMemory> Take(std::size_t size, std::size_t alignment) ZYN_EXCLUDES(mutex_);
 

@@ -30,8 +30,9 @@ constexpr std::size_t kRingReserve = 3;  // buffers kept out of the ring: fillin
 
 std::size_t BufferCount(const GrabSetup& setup) {
   const std::size_t bytes = std::max<std::size_t>(setup.payloadBytes, 1);
+  const std::size_t taken = std::max({bytes, setup.alignment, FramePool::kLeastBytes});
   const bool wantsAll = setup.strategy == KELGENICAM::GRAB_ONE_BY_ONE;
-  const std::size_t small = wantsAll ? std::min(kSmallBudget / bytes, kMostSmallBuffers) : 0;
+  const std::size_t small = wantsAll ? std::min(kSmallBudget / taken, kMostSmallBuffers) : 0;
   const std::size_t wanted = std::clamp(kBufferBudget / bytes, kFewestBuffers, kMostBuffers);
   return std::max({wanted, small, setup.announceMin});
 }
@@ -91,10 +92,12 @@ int GrabEngine::Prepare() {
 int GrabEngine::Announce() {
   const std::size_t count = BufferCount(setup_);
   const std::size_t fewest = std::max<std::size_t>(setup_.announceMin, 3);
+  const std::size_t usual = std::max(setup_.announceMin, kMostBuffers);
   slots_.reserve(count);
   for (std::size_t i = 0; i < count; ++i) {
     const int result = AnnounceOne();
     if (result == KELGENICAM::RESULT_OUT_OF_MEMORY && i >= fewest) break;  // fewer will do
+    if (result != KELGENICAM::RESULT_OK && i >= usual) break;              // the producer may have a limit
     if (result != KELGENICAM::RESULT_OK) return result;
   }
   return KELGENICAM::RESULT_OK;

@@ -1,4 +1,7 @@
+#include <atomic>
 #include <future>
+
+#include <GenICam.h>
 
 #include "TransportFixture.h"
 
@@ -290,6 +293,26 @@ TEST_F(GrabTest, SmallFramesOfWhichNoneMayBeLostHaveMoreBuffers) {
     EXPECT_EQ(camera->Close(), RESULT_OK);
     EXPECT_EQ(UnInit(), RESULT_OK);
   }
+}
+
+TEST_F(GrabTest, AProducerWithALimitServesWithFewerBuffers) {
+  std::atomic<int> announced = 0;
+  mock_.SetHook("DSAnnounceBuffer", [&](const std::string&) {
+    return ++announced > 20 ? GenTL::GC_ERR_RESOURCE_EXHAUSTED : GenTL::GC_ERR_SUCCESS;
+  });
+  const CameraPtr camera = Grabbing(GRAB_ONE_BY_ONE);
+  EXPECT_EQ(buffers_, 20U);
+  Send(7);
+  EXPECT_EQ(GrabOne(*camera)->FrameID(), 7);
+  mock_.SetHook("DSAnnounceBuffer", nullptr);
+}
+
+// An application's callback runs with this lock, and may stop the stream.
+TEST_F(GrabTest, MayBeStoppedWithTheNodeMapLocked) {
+  const CameraPtr camera = Grabbing(GRAB_ONE_BY_ONE);
+  GenApi_3_4::INodeMap& map = *camera->RemoteDeviceNodeMap()->NodeMap();
+  const GenApi_3_4::AutoLock lock(map.GetLock());
+  EXPECT_EQ(camera->StopGrabbing(), RESULT_OK);
 }
 
 // ---- payloads -------------------------------------------------------------------------------------------

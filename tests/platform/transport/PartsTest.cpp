@@ -178,8 +178,8 @@ std::optional<FrameIdChunk> FindIn(const std::string& nodes) {
   return FrameIdChunk::Find(map.get());
 }
 
-// A register on the chunk's port, from "kind,address,length,byte order,sign,further elements". No byte order is
-// left out.
+// A register on the chunk's port, from "kind,address,length,byte order,sign,further elements". An empty byte
+// order means no element.
 std::string ChunkRegister(const std::string& shape, const std::string& name) {
   std::vector<std::string> words;
   std::string rest = shape;
