@@ -65,7 +65,8 @@ class ZYNSDK_API ZynCamera {
   long StartGrab(ZynGrabStrategy strategy, int count);
   /// Ends the delivery of images, then the stream. 101011 when the camera is not open; 101040 an exception.
   /// When a handler receives images, blocks until its present call and the present wait for a frame have ended,
-  /// which is up to the grab time-out; no image comes afterwards.
+  /// which is up to the grab time-out; no image comes afterwards. A producer that has not stopped the stream after
+  /// five seconds goes on in the background; until it has, StartGrab waits as long, and answers -25.
   long StopGrab();
   /// The longest wait for one frame. 5000 at first. 101010 when the camera is not open, 101050 below 1.
   long SetGrabTimeout(int milliseconds);
@@ -128,7 +129,7 @@ class ZYNSDK_API Zyn3DCamera {
   long StartGrab(Zyn3DGrabType type);
   /// Stops the stream; a scan in progress is dropped. May run while another thread waits in a grab: that ends
   /// with 101023, or with 101050 when it had a frame of a scan in hand. 101009 not a 3D camera; 101011 not open;
-  /// 101040 an exception, and the grab type stays.
+  /// 101040 an exception, and the grab type stays. Waits for the producer as ZynCamera::StopGrab does.
   long StopGrab();
   Zyn3DGrabType GetGrabType();            ///< ZYN_3D_GRAB_NONE while the stream does not run
   long SetGrabTimeout(int milliseconds);  ///< as ZynCamera::SetGrabTimeout

@@ -79,10 +79,11 @@ enum GRAB_STRATEGY : int {
 /// the others into one code.
 enum RESULT {
   RESULT_OK = 0,
-  RESULT_TIMEOUT = -1,       ///< in time came no frame (is the camera triggered?), or no end of the stream
-  RESULT_ABORTED = -2,       ///< StopGrabbing, Close or Release ended the wait
-  RESULT_ERROR = -3,         ///< the producer reported an error without a cause
-  RESULT_NOT_OPEN = -4,      ///< the camera is not open
+  RESULT_TIMEOUT = -1,   ///< no frame came in time: is the camera triggered, is the time-out long enough? Of
+                         ///< StopGrabbing: the producer has not come to an end in time
+  RESULT_ABORTED = -2,   ///< StopGrabbing, Close or Release ended the wait
+  RESULT_ERROR = -3,     ///< the producer reported an error without a cause
+  RESULT_NOT_OPEN = -4,  ///< the camera is not open
   RESULT_NOT_GRABBING = -5,  ///< StartGrabbing has not been called, or StopGrabbing has
   RESULT_DEVICE_LOST =
       -6,  ///< cable, power, or control taken over: close, wait until it is found, open again
@@ -105,7 +106,7 @@ enum RESULT {
   RESULT_NOT_IMPLEMENTED = -22,  ///< the producer lacks a function that this needs
   RESULT_NOT_AVAILABLE = -23,    ///< the producer has the function, but not now
   RESULT_INVALID_ID = -24,       ///< the producer does not know the device any more: search again
-  RESULT_BUSY = -25,             ///< the producer is occupied; also: already grabbing
+  RESULT_BUSY = -25,             ///< the producer is occupied; also: already grabbing, or not yet stopped
   RESULT_EXHAUSTED = -26         ///< the producer ran out of handles or of another resource
 };
 
@@ -210,11 +211,12 @@ class ICamera {
   virtual int Close() = 0;
   virtual bool IsOpen() = 0;
   virtual bool IsOnline() = 0;  ///< open, and the device was not lost
-  /// Starts the stream. frameCount: how many frames to deliver, -1 for no limit. Returns a RESULT; RESULT_BUSY when it
-  /// runs already, or when a stop before has not come to its end in 5 s.
+  /// Starts the stream. frameCount: how many frames to deliver, -1 for no limit. Returns a RESULT. Blocks while the camera
+  /// and the producer start; before, while an earlier stop goes on, 5 s at most: then RESULT_BUSY.
   virtual int StartGrabbing(GRAB_STRATEGY strategy, int frameCount) = 0;
-  /// Stops the stream and wakes a waiting Grab, which returns RESULT_ABORTED. Returns a RESULT. Blocks while the
-  /// producer stops, 5 s at most; then RESULT_TIMEOUT, and it goes on stopping.
+  /// Stops the stream and wakes a waiting Grab, which returns RESULT_ABORTED. Returns a RESULT. Blocks while the camera
+  /// takes the command, as every access to a node does; then while the producer stops, 5 s at most: then RESULT_TIMEOUT,
+  /// and it goes on stopping. May be called with the lock of the camera's node map held.
   virtual int StopGrabbing() = 0;
   /// True from a successful StartGrabbing until StopGrabbing or Close, also after the last frame of a counted
   /// grab and after the device was lost, so that Grab can name the reason.

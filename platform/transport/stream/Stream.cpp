@@ -2,7 +2,6 @@
 
 #include <bit>
 #include <chrono>
-#include <system_error>
 #include <utility>
 
 #include "../Result.h"
@@ -15,7 +14,9 @@ namespace zyn::transport {
 
 namespace {
 
-// Longer than libaravis takes to give a silent camera up.
+using Clock = std::chrono::steady_clock;
+
+// A frame that is being filled may have to come to its end.
 constexpr std::chrono::seconds kStopLimit{5};
 
 std::optional<std::string> FirstStreamId(const ProducerLibrary& producer, GenTL::DEV_HANDLE device) {
@@ -57,14 +58,6 @@ int StartResult(FeatureResult result) {
       break;
   }
   return KELGENICAM::RESULT_IO;
-}
-
-// Ends an acquisition. What fails is left behind: the steps after it matter more.
-void StopEverything(const Stream::Context& context, GrabEngine& engine) {
-  GenApi_3_4::INodeMap* remote = context.remote ? context.remote->Map() : nullptr;
-  if (!context.link->IsLost()) Execute(remote, "AcquisitionStop");
-  engine.Stop(context.link->IsLost());
-  if (!context.link->IsLost()) SetLocked(remote, false);
 }
 
 }  // namespace
@@ -186,87 +179,119 @@ int Stream::StartCamera(KELGENICAM::GRAB_STRATEGY strategy, int frameCount,
 }
 
 int Stream::StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) {
-  MutexLock lock(mutex_);
-  if (context_.link->IsLost()) return KELGENICAM::RESULT_DEVICE_LOST;
-  while (phase_ == Phase::kStopping) {
-    lock.Unlock();
-    if (!AwaitStop()) return KELGENICAM::RESULT_BUSY;
-    lock.Lock();
+  const auto deadline = Clock::now() + kStopLimit;
+  MutexLock lock(state_->mutex);
+  while (state_->phase == Phase::kStopping && !context_.link->IsLost()) {
+    const bool isInTime = lock.WaitUntil(state_->changed, deadline);
+    if (!isInTime && state_->phase == Phase::kStopping) return KELGENICAM::RESULT_BUSY;
   }
-  if (phase_ != Phase::kIdle) return KELGENICAM::RESULT_BUSY;
-  phase_ = Phase::kStarting;
+  if (context_.link->IsLost()) return KELGENICAM::RESULT_DEVICE_LOST;
+  if (state_->phase != Phase::kIdle) return KELGENICAM::RESULT_BUSY;
+  state_->phase = Phase::kStarting;
   lock.Unlock();
   std::shared_ptr<GrabEngine> engine;
   const int result = StartCamera(strategy, frameCount, engine);
   lock.Lock();
   // Lost between start and here: the engine is kept, so that Grab can name the reason.
   const bool isRunning = engine != nullptr;
-  phase_ = isRunning ? Phase::kGrabbing : Phase::kIdle;
-  engine_ = engine;
-  phaseChanged_.notify_all();
+  state_->phase = isRunning ? Phase::kGrabbing : Phase::kIdle;
+  state_->engine = engine;
+  state_->changed.notify_all();
   lock.Unlock();
   if (isRunning && context_.link->IsLost()) engine->MarkLost();
   return result;
 }
 
-// On a thread of its own, because the producer may not come back; nothing when there is none to be had, and then it is
-// done.
-std::optional<Background> Stream::BeginStop(const std::shared_ptr<GrabEngine>& engine) const {
-  const auto work = [context = context_, engine] { StopEverything(context, *engine); };
-  try {
-    return Background::Run(work);
-  } catch (const std::system_error&) {
-    work();
-    return std::nullopt;
-  }
-}
-
-// Waits for the end of a stop. False when the producer did not come back in time.
-bool Stream::AwaitStop() {
-  MutexLock lock(mutex_);
-  while (phase_ == Phase::kStopping && !stopping_) lock.Wait(phaseChanged_);
-  if (phase_ != Phase::kStopping) return true;
-  const Background stopping = *stopping_;
-  lock.Unlock();
-  const bool isStopped = stopping.WaitUntil(std::chrono::steady_clock::now() + kStopLimit);
-  lock.Lock();
-  // Others wait too, and may have started anew and be stopping again by now.
-  if (phase_ == Phase::kStopping && stopping_ && stopping_->WaitUntil({})) {
-    phase_ = Phase::kIdle;
-    phaseChanged_.notify_all();
-  }
-  return isStopped;
-}
-
 int Stream::StopGrabbing() {
-  MutexLock lock(mutex_);
-  while (phase_ == Phase::kStarting) lock.Wait(phaseChanged_);
-  if (phase_ == Phase::kIdle) return KELGENICAM::RESULT_NOT_GRABBING;
-  if (phase_ == Phase::kGrabbing) {
-    phase_ = Phase::kStopping;
-    stopping_ = std::nullopt;
-    const std::shared_ptr<GrabEngine> engine = std::exchange(engine_, nullptr);
-    lock.Unlock();
-    engine->Abort();
-    const bool isLost = context_.link->IsLost();
-    const std::optional<Background> stopping = BeginStop(engine);
-    lock.Lock();
-    stopping_ = stopping;
-    if (isLost || !stopping) phase_ = Phase::kIdle;
-    phaseChanged_.notify_all();
+  const auto deadline = Clock::now() + kStopLimit;
+  const auto stop = std::make_shared<Stop>();
+  MutexLock lock(state_->mutex);
+  while (state_->phase == Phase::kStarting) {
+    const bool isInTime = lock.WaitUntil(state_->changed, deadline);
+    if (!isInTime && state_->phase == Phase::kStarting) return KELGENICAM::RESULT_TIMEOUT;
   }
+  if (state_->phase == Phase::kIdle) return KELGENICAM::RESULT_NOT_GRABBING;
+  const bool isMine = state_->phase == Phase::kGrabbing;
+  while (state_->phase == Phase::kStopping && !context_.link->IsLost()) {
+    const bool isInTime = lock.WaitUntil(state_->changed, deadline);
+    if (!isInTime && state_->phase == Phase::kStopping) return KELGENICAM::RESULT_TIMEOUT;
+  }
+  if (!isMine) {
+    Settle(*state_, state_->stop);  // what is lost is not waited for
+    return KELGENICAM::RESULT_OK;
+  }
+  std::function<void()> task = StopTask(state_->engine, stop);
+  state_->phase = Phase::kStopping;
+  state_->stop = stop;
+  std::shared_ptr<GrabEngine> engine = std::exchange(state_->engine, nullptr);
   lock.Unlock();
-  return AwaitStop() ? KELGENICAM::RESULT_OK : KELGENICAM::RESULT_TIMEOUT;
+  engine->Abort();
+  engine = nullptr;  // the task has the last hold
+  return EndGrabbing(std::move(task), stop);
+}
+
+// The camera stops on the caller's thread, which may hold the lock of its node map; the producer's stream on one of its
+// own, because it may not come back. What fails is left behind: the steps after it matter more.
+int Stream::EndGrabbing(std::function<void()> task, const std::shared_ptr<Stop>& stop) {
+  const auto isLost = [this] { return context_.link->IsLost(); };
+  if (!isLost()) Execute(Remote(), "AcquisitionStop");
+  try {
+    Background::Run(task);
+  } catch (...) {
+    task();  // there is no other thread to be had
+  }
+  task = nullptr;
+  const auto deadline = Clock::now() + kStopLimit;
+  MutexLock lock(state_->mutex);
+  while (!stop->isOver && !isLost() && lock.WaitUntil(state_->changed, deadline)) {
+  }
+  stop->isLeft = !stop->isOver;
+  if (!stop->isLeft && !isLost()) {
+    lock.Unlock();
+    SetLocked(Remote(), false);
+    lock.Lock();
+  }
+  const bool isSettled = !stop->isLeft || isLost();
+  if (isSettled) Settle(*state_, stop);
+  return isSettled ? KELGENICAM::RESULT_OK : KELGENICAM::RESULT_TIMEOUT;
+}
+
+std::function<void()> Stream::StopTask(std::shared_ptr<GrabEngine> engine,
+                                       const std::shared_ptr<Stop>& stop) const {
+  return [state = state_, link = context_.link, remote = context_.remote, stop,
+          engine = std::move(engine)]() mutable {
+    try {
+      engine->Stop(link->IsLost());
+    } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory is all that it can throw
+    }
+    engine = nullptr;  // with its hold on the stream and the device, before anybody learns that it is over
+    MutexLock lock(state->mutex);
+    stop->isOver = true;
+    state->changed.notify_all();
+    if (!stop->isLeft) return;
+    lock.Unlock();
+    if (remote && !link->IsLost()) SetLocked(remote->Map(), false);
+    lock.Lock();
+    Settle(*state, stop);
+  };
+}
+
+// Ends the phase of stopping, unless somebody did so before.
+void Stream::Settle(State& state, const std::shared_ptr<Stop>& stop) {
+  if (!stop || state.stop != stop) return;
+  state.stop = nullptr;
+  state.phase = Phase::kIdle;
+  state.changed.notify_all();
 }
 
 bool Stream::IsGrabbing() {
-  MutexLock lock(mutex_);
-  return phase_ == Phase::kGrabbing;
+  MutexLock lock(state_->mutex);
+  return state_->phase == Phase::kGrabbing;
 }
 
 std::shared_ptr<GrabEngine> Stream::Engine() {
-  MutexLock lock(mutex_);
-  return engine_;
+  MutexLock lock(state_->mutex);
+  return state_->engine;
 }
 
 int Stream::Grab(KELGENICAM::IImage** image, int timeoutMs) {
@@ -276,6 +301,7 @@ int Stream::Grab(KELGENICAM::IImage** image, int timeoutMs) {
 
 void Stream::WakeLost() {
   if (const auto engine = Engine()) engine->MarkLost();
+  state_->changed.notify_all();  // whoever waits for a stop
 }
 
 void Stream::WakeAborted() {

@@ -3,6 +3,7 @@
 #define ZYN_TRANSPORT_STREAM_H
 
 #include <condition_variable>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,7 +14,6 @@
 #include "../camera/Notifier.h"
 #include "../module/DeviceLink.h"
 #include "../module/ModuleNodeMap.h"
-#include "../producer/Background.h"
 #include "../producer/EventPump.h"
 #include "FramePool.h"
 #include "GrabEngine.h"
@@ -47,43 +47,53 @@ class Stream {
 
   const NodeMapPtr& NodeMap() const { return nodeMap_; }
 
-  /// See ICamera. StopGrabbing on a lost device leaves the cleaning up to the background, and so it does when the
-  /// producer does not come back in time.
-  int StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) ZYN_EXCLUDES(mutex_);
-  int StopGrabbing() ZYN_EXCLUDES(mutex_);
-  bool IsGrabbing() ZYN_EXCLUDES(mutex_);
-  int Grab(KELGENICAM::IImage** image, int timeoutMs) ZYN_EXCLUDES(mutex_);
+  /// See ICamera. A stop that the producer does not come back from, or on a lost device, ends in the background.
+  int StartGrabbing(KELGENICAM::GRAB_STRATEGY strategy, int frameCount);
+  int StopGrabbing();
+  bool IsGrabbing();
+  int Grab(KELGENICAM::IImage** image, int timeoutMs);
 
   /// Ends the waiting Grab calls without blocking: with RESULT_DEVICE_LOST or with RESULT_ABORTED.
-  void WakeLost() ZYN_EXCLUDES(mutex_);
-  void WakeAborted() ZYN_EXCLUDES(mutex_);
+  void WakeLost();
+  void WakeAborted();
 
  private:
   enum class Phase { kIdle, kStarting, kGrabbing, kStopping };
+
+  // A stop on its way, under the state's mutex.
+  struct Stop {
+    bool isOver = false;  // the producer came back
+    bool isLeft = false;  // nobody waits for it any more: the background does what is left to do
+  };
+
+  // Shared with the background, which may outlive the stream.
+  struct State {
+    Mutex mutex;  // never held during a producer's call
+    std::condition_variable changed;
+    Phase phase ZYN_GUARDED_BY(mutex) = Phase::kIdle;
+    std::shared_ptr<GrabEngine> engine ZYN_GUARDED_BY(mutex);  // set exactly while grabbing
+    std::shared_ptr<Stop> stop ZYN_GUARDED_BY(mutex);          // set exactly while stopping
+  };
 
   Stream(Context context, std::shared_ptr<void> handle,
          std::shared_ptr<std::vector<std::shared_ptr<FrameMemory>>> stranded);
   void StartPump(GenTL::EVENT_TYPE type, KELGENICAM::NOTIFY_TYPE as);
   GenApi_3_4::INodeMap* Remote() const;
   int StartCamera(KELGENICAM::GRAB_STRATEGY strategy, int frameCount, std::shared_ptr<GrabEngine>& engine);
-  std::optional<Background> BeginStop(const std::shared_ptr<GrabEngine>& engine) const;
-  bool AwaitStop() ZYN_EXCLUDES(mutex_);
+  int EndGrabbing(std::function<void()> task, const std::shared_ptr<Stop>& stop);
+  std::function<void()> StopTask(std::shared_ptr<GrabEngine> engine, const std::shared_ptr<Stop>& stop) const;
+  static void Settle(State& state, const std::shared_ptr<Stop>& stop) ZYN_REQUIRES(state.mutex);
   GrabSetup MakeSetup(KELGENICAM::GRAB_STRATEGY strategy, int frameCount) const;
   std::size_t PayloadBytes() const;
   std::optional<std::uint64_t> Info(GenTL::STREAM_INFO_CMD command) const;
-  std::shared_ptr<GrabEngine> Engine() ZYN_EXCLUDES(mutex_);
+  std::shared_ptr<GrabEngine> Engine();
 
   const Context context_;
   const std::shared_ptr<void> handle_;
   const std::shared_ptr<std::vector<std::shared_ptr<FrameMemory>>> stranded_;
   const NodeMapPtr nodeMap_;
   std::vector<std::unique_ptr<EventPump>> pumps_;  // constant after Open
-
-  Mutex mutex_;  // never held during a producer's call
-  std::condition_variable phaseChanged_;
-  Phase phase_ ZYN_GUARDED_BY(mutex_) = Phase::kIdle;
-  std::shared_ptr<GrabEngine> engine_ ZYN_GUARDED_BY(mutex_);  // set exactly while grabbing
-  std::optional<Background> stopping_ ZYN_GUARDED_BY(mutex_);  // set while stopping, as soon as it runs
+  const std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
 }  // namespace zyn::transport
