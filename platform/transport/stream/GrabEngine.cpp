@@ -97,7 +97,8 @@ int GrabEngine::Announce() {
   for (std::size_t i = 0; i < count; ++i) {
     const int result = AnnounceOne();
     if (result == KELGENICAM::RESULT_OUT_OF_MEMORY && i >= fewest) break;  // fewer will do
-    if (result != KELGENICAM::RESULT_OK && i >= usual) break;              // the producer may have a limit
+    const bool isRefused = result != KELGENICAM::RESULT_OK && slots_.size() == i;
+    if (isRefused && i >= usual) break;  // the producer may have a limit
     if (result != KELGENICAM::RESULT_OK) return result;
   }
   return KELGENICAM::RESULT_OK;

@@ -134,6 +134,16 @@ TEST_P(AllocatingProducer, BuffersWhoseMemoryItDoesNotTellAreRevoked) {
   EXPECT_FALSE(camera->IsGrabbing());
 }
 
+// Also behind as many buffers as would do: a frame in such memory cannot be read.
+TEST_P(AllocatingProducer, NoBufferWithoutKnownMemoryIsQueued) {
+  const CameraPtr camera = OpenOne(producer_);
+  producer_.SetHook("DSGetBufferInfo", [this](const std::string&) {
+    return producer_.Announced() <= 20 ? GenTL::GC_ERR_SUCCESS : GenTL::GC_ERR_NOT_IMPLEMENTED;
+  });
+  EXPECT_EQ(camera->StartGrabbing(GRAB_ONE_BY_ONE, -1), RESULT_INVALID_BUFFER);
+  EXPECT_EQ(producer_.Announced(), 0U);
+}
+
 TEST_P(AllocatingProducer, ThatRefusesItsOwnMemoryTooCannotStart) {
   const CameraPtr camera = OpenOne(producer_);
   producer_.SetHook("DSAllocAndAnnounceBuffer",
